@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "window/clock.h"
+
+namespace orvex {
+
+/// The file a transfer reads, in pieces.
+class FileSource {
+ public:
+  virtual ~FileSource() = default;
+  /// Without its folder, one byte a character.
+  virtual std::string name() const = 0;
+  /// Bytes, as it was when the transfer began.
+  virtual std::uint64_t size() const = 0;
+  /// Last change in seconds since 1970 UTC, 0 where unknown.
+  virtual std::int64_t modified() const = 0;
+  /// Unix mode bits with the file type, such as 0100644; 0 where unknown.
+  virtual unsigned mode() const = 0;
+  /// Fills `into` whole with the bytes at `offset`; false where the file can't give them.
+  virtual bool read(std::uint64_t offset, std::span<char> into) = 0;
+};
+
+/// Sender's side of a file-transfer protocol: bytes in, bytes out, a clock handed in. It knows no
+/// port and no thread.
+class FileEngine {
+ public:
+  enum class State { running, complete, failed };
+
+  virtual ~FileEngine() = default;
+  /// Takes what came from the line, cut anywhere.
+  virtual void receive(std::string_view bytes, Time now) = 0;
+  /// Lets time-outs happen; wanted at or after wake().
+  virtual void tick(Time now) = 0;
+  /// True once after the engine decided that what it has handed over and the line has not yet sent
+  /// is to be thrown away. To be asked before each transmit().
+  virtual bool take_discard() = 0;
+  /// The next bytes for the line, at most `room`. Empty where there is nothing to send at present.
+  virtual std::string transmit(std::size_t room, Time now) = 0;
+  virtual std::optional<Time> wake() const = 0;
+  /// The user's stop: what follows from transmit() is the protocol's cancel sequence.
+  virtual void cancel(Time now) = 0;
+  virtual State state() const = 0;
+  /// True once state() isn't running and transmit() has nothing left.
+  virtual bool finished() const = 0;
+  /// Bytes that the receiver has, as far as the engine knows; total() only when it has them all.
+  virtual std::uint64_t progress() const = 0;
+  virtual std::uint64_t total() const = 0;
+  /// Why it failed, in plain English; empty otherwise.
+  virtual std::string_view reason() const = 0;
+};
+
+}  // namespace orvex

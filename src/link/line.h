@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "link/line_settings.h"
+
+namespace orvex {
+
+/// Characters that the line keeps for a reader that doesn't come.
+inline constexpr std::size_t in_buffer_size = 32000;
+
+/// A serial line of the machine, below the serial control. All failures are thrown as
+/// RunTimeError. DTR and RTS are raised while it is open, and there is no flow control.
+class Line {
+ public:
+  /// Hears of the line, on the one thread and only inside a pump.
+  class Listener {
+   public:
+    virtual ~Listener() = default;
+    virtual void bytes_arrived() = 0;
+    /// unsent() has become less. Not every line can tell.
+    virtual void bytes_sent() = 0;
+    /// The device went away. The line has closed itself, once.
+    virtual void line_lost() = 0;
+  };
+
+  virtual ~Line() = default;
+  /// `listener` must outlive the line's last pump.
+  virtual void listen(Listener& listener) = 0;
+
+  /// Opens the device of port COM `com_port` with nothing in either direction.
+  virtual void open(int com_port, const LineSettings& settings) = 0;
+  /// Throws away what has not been sent. Does no harm on a closed line.
+  virtual void close() = 0;
+  virtual bool is_open() const = 0;
+  /// Path of the device that port COM `com_port` stands for, empty where there is none.
+  virtual std::string device_path(int com_port) const = 0;
+
+  /// Changes the settings of the open line, for the next byte on.
+  virtual void configure(const LineSettings& settings) = 0;
+  virtual void write(std::string_view bytes) = 0;
+  /// All that has come and was not read yet.
+  virtual std::string read() = 0;
+  /// How many bytes read() would give.
+  virtual std::size_t waiting() const = 0;
+  /// How many of the written bytes have not left the machine, as far as it knows.
+  virtual std::size_t unsent() const = 0;
+  virtual void discard_unsent() = 0;
+};
+
+}  // namespace orvex

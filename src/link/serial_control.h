@@ -1,0 +1,106 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "link/file_engine.h"
+#include "link/line.h"
+#include "window/timer.h"
+
+namespace orvex {
+
+/// Gives the engine that sends the file at `path`. Throws RunTimeError where it can't be read.
+using EngineFactory =
+    std::function<std::unique_ptr<FileEngine>(const std::filesystem::path& path, Time now)>;
+
+/// The serial control `MSComm1`: the properties and events of one COM port, and a file transfer.
+/// A failure of a property access is thrown as RunTimeError.
+class SerialControl final : public Line::Listener, public Scheduled {
+ public:
+  /// `clock` and `line` must outlive the control.
+  SerialControl(const Clock& clock, Line& line, EngineFactory make_engine);
+
+  /// Raised inside a pump once RThreshold characters wait.
+  std::function<void()> Receive;
+  /// Raised inside a pump as a transfer goes on, with the bytes done so far.
+  std::function<void(std::int32_t)> FileProgress;
+
+  int CommPort() const { return comm_port_; }
+  /// 1 to 6, else a failure. An open port stays where it is until it is opened again.
+  void CommPort(int number);
+
+  const std::string& Settings() const { return settings_; }
+  /// Takes effect on an open port at once. Reads back without blanks around the fields.
+  void Settings(std::string_view text);
+
+  bool PortOpen() const { return line_.is_open(); }
+  void PortOpen(bool open);
+  /// Path of the device that CommPort stands for, empty where there is none.
+  std::string device_path() const { return line_.device_path(comm_port_); }
+
+  void Output(std::string_view text);
+  /// All that has come and was not read yet.
+  std::string Input();
+  /// Characters that one Input gives; 0 means all, and nothing else is supported.
+  void InputLen(int characters);
+  /// Bytes of Output that have not left the machine, as far as it knows.
+  std::size_t OutBufferCount() const { return line_.unsent(); }
+
+  int RThreshold() const { return receive_threshold_; }
+  void RThreshold(int characters) { receive_threshold_ = characters; }
+  int SThreshold() const { return send_threshold_; }
+  void SThreshold(int characters) { send_threshold_ = characters; }
+
+  /// 5 is ZMODEM, sender's side; 0 is none.
+  void Protocol(int protocol) { protocol_ = protocol; }
+  void FileName(std::filesystem::path path) { file_name_ = std::move(path); }
+  void InputMode(int mode) { input_mode_ = mode; }
+  void ComType(int type) { com_type_ = type; }
+
+  bool FileSendOn() const { return engine_ != nullptr; }
+  /// True starts the transfer of FileName and returns at once. False stops it: what is queued is
+  /// thrown away, the cancel sequence goes out and FileBusy is false on return.
+  void FileSendOn(bool on);
+  /// A receive is never started, so this reads false always.
+  bool FileRecvOn() const { return false; }
+  bool FileBusy() const { return engine_ != nullptr; }
+  /// Bytes of the file under transfer, or of the last one.
+  std::int32_t FileTotal() const { return file_total_; }
+
+  void bytes_arrived() override;
+  void bytes_sent() override;
+  void line_lost() override;
+  std::optional<Time> due() const override;
+  void run() override;
+
+ private:
+  void require_open() const;
+  void start_transfer();
+  void stop_transfer();
+  void work_transfer();
+  void send_what_fits(std::size_t most_unsent);
+  void report_progress();
+
+  const Clock& clock_;
+  Line& line_;
+  EngineFactory make_engine_;
+  int comm_port_ = 1;
+  std::string settings_ = "9600,N,8,1";
+  int receive_threshold_ = 1;
+  int send_threshold_ = 1;
+  int protocol_ = 0;
+  int input_mode_ = 0;
+  int com_type_ = 0;
+  std::filesystem::path file_name_;
+  std::unique_ptr<FileEngine> engine_;
+  std::int32_t file_total_ = 0;
+  std::uint64_t progress_told_ = 0;
+  Time look_again_{};
+};
+
+}  // namespace orvex

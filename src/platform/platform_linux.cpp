@@ -1,0 +1,259 @@
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <cstdlib>
+#include <fstream>
+#include <optional>
+#include <thread>
+#include <tuple>
+
+#include "platform/linux_ports.h"
+#include "platform/platform.h"
+
+extern char** environ;
+
+namespace orvex::platform {
+namespace fs = std::filesystem;
+namespace {
+
+std::error_code last_error() { return {errno, std::generic_category()}; }
+
+/// Rank of the kind of port, and the number behind its name.
+struct PortOrder {
+  int rank;
+  std::string kind;
+  int number;
+};
+
+bool has_uart(const fs::path& terminal) {
+  std::ifstream file(terminal / "type");
+  int type = 0;
+  return file >> type && type != 0;
+}
+
+std::optional<PortOrder> order_of(const fs::path& terminal) {
+  const std::string name = terminal.filename().string();
+  const auto digits = name.find_first_of("0123456789");
+  if (digits == std::string::npos) return std::nullopt;
+  PortOrder order{0, name.substr(0, digits), 0};
+  const auto [end, error] =
+      std::from_chars(name.data() + digits, name.data() + name.size(), order.number);
+  if (error != std::errc{} || end != name.data() + name.size()) return std::nullopt;
+  if (order.kind == "ttyUSB") {
+    order.rank = 2;
+  } else if (order.kind == "ttyACM") {
+    order.rank = 3;
+  } else if (has_uart(terminal)) {
+    order.rank = order.kind == "ttyS" ? 0 : 1;
+  } else {
+    return std::nullopt;
+  }
+  return order;
+}
+
+/// A file descriptor that is closed at the end of its scope.
+class Descriptor {
+ public:
+  explicit Descriptor(int descriptor) : descriptor_(descriptor) {}
+  ~Descriptor() {
+    if (descriptor_ >= 0) ::close(descriptor_);
+  }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  int get() const { return descriptor_; }
+
+ private:
+  int descriptor_;
+};
+
+std::error_code write_all(int descriptor, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const auto written = ::write(descriptor, bytes.data(), bytes.size());
+    if (written < 0) {
+      if (errno == EINTR) continue;
+      return last_error();
+    }
+    bytes.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return {};
+}
+
+std::error_code write_to_device(const fs::path& path, std::string_view bytes) {
+  const Descriptor device(::open(path.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
+  if (device.get() < 0) return last_error();
+  return write_all(device.get(), bytes);
+}
+
+/// Gives the new file the old one's rights, or those that a fresh file gets.
+void take_over_rights(int descriptor, const std::optional<struct stat>& old) {
+  if (old) {
+    if (::fchown(descriptor, old->st_uid, old->st_gid) != 0) {
+      // Only root may give a file away; the user's own is as good.
+    }
+    ::fchmod(descriptor, old->st_mode & 07777);
+  } else {
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    ::fchmod(descriptor, 0666 & ~mask);
+  }
+}
+
+std::error_code write_beside_and_rename(const fs::path& path, std::string_view bytes,
+                                        const std::optional<struct stat>& old) {
+  const fs::path folder = path.has_parent_path() ? path.parent_path() : fs::path(".");
+  std::string beside = (folder / ".orvex-XXXXXX").string();
+  const Descriptor file(::mkostemp(beside.data(), O_CLOEXEC));
+  if (file.get() < 0) return last_error();
+  take_over_rights(file.get(), old);
+  std::error_code error = write_all(file.get(), bytes);
+  if (!error && ::fsync(file.get()) != 0) error = last_error();
+  if (!error && ::rename(beside.c_str(), path.c_str()) != 0) error = last_error();
+  if (error) {
+    ::unlink(beside.c_str());
+    return error;
+  }
+  const Descriptor parent(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (parent.get() >= 0) ::fsync(parent.get());
+  return {};
+}
+
+/// The path behind all links, also where the last of them leads to a file that doesn't exist yet.
+fs::path behind_links(fs::path path, std::error_code& error) {
+  constexpr int most_links = 40;
+  for (int links = 0; links < most_links; ++links) {
+    std::error_code no_link;
+    const fs::path target = fs::read_symlink(path, no_link);
+    if (no_link) return path;
+    path = target.is_absolute() ? target : path.parent_path() / target;
+  }
+  error = std::make_error_code(std::errc::too_many_symbolic_link_levels);
+  return path;
+}
+
+}  // namespace
+
+fs::path state_folder() { return ORVEX_STATE_DIR; }
+
+std::vector<std::string> serial_ports(const fs::path& class_tty) {
+  std::vector<std::pair<PortOrder, std::string>> found;
+  std::error_code error;
+  for (fs::directory_iterator terminal(class_tty, error), end; !error && terminal != end;
+       terminal.increment(error)) {
+    if (auto order = order_of(terminal->path())) {
+      found.emplace_back(*order, terminal->path().filename().string());
+    }
+  }
+  std::ranges::sort(found, {}, [](const auto& entry) {
+    return std::tie(entry.first.rank, entry.first.kind, entry.first.number);
+  });
+  std::vector<std::string> names;
+  for (auto& entry : found) names.push_back(std::move(entry.second));
+  return names;
+}
+
+std::string device_of_port(int number, const fs::path& folder) {
+  if (number < 1) return {};
+  const fs::path link = folder / ("com" + std::to_string(number));
+  std::error_code error;
+  if (fs::is_symlink(fs::symlink_status(link, error))) {
+    const fs::path device = fs::canonical(link, error);
+    return error ? std::string{} : device.string();
+  }
+  const auto ports = serial_ports("/sys/class/tty");
+  const auto index = static_cast<std::size_t>(number - 1);
+  return index < ports.size() ? "/dev/" + ports[index] : std::string{};
+}
+
+DeviceKind kind_of_device(const std::string& path) {
+  struct stat status {};
+  if (::stat(path.c_str(), &status) != 0 || !S_ISCHR(status.st_mode)) return DeviceKind::none;
+  // The kernel's list of devices gives the majors 136 to 143 to pseudo-terminals.
+  const auto device = major(status.st_rdev);
+  return device >= 136 && device <= 143 ? DeviceKind::pseudo_terminal : DeviceKind::serial_port;
+}
+
+std::size_t unsent_bytes(std::intptr_t port_handle) {
+  int count = 0;
+  if (::ioctl(static_cast<int>(port_handle), TIOCOUTQ, &count) != 0 || count < 0) return 0;
+  return static_cast<std::size_t>(count);
+}
+
+void open_web_address(const std::string& address) {
+  std::string program = "xdg-open";
+  std::string argument = address;
+  char* const arguments[] = {program.data(), argument.data(), nullptr};
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    posix_spawn_file_actions_addopen(&actions, stream, "/dev/null", O_RDWR, 0);
+  }
+  pid_t child = 0;
+  if (::posix_spawnp(&child, program.c_str(), &actions, nullptr, arguments, environ) == 0) {
+    std::thread([child] { ::waitpid(child, nullptr, 0); }).detach();
+  }
+  posix_spawn_file_actions_destroy(&actions);
+}
+
+std::error_code replace_file(const fs::path& name, std::string_view bytes) {
+  std::error_code error;
+  const fs::path path = behind_links(name, error);
+  if (error) return error;
+  struct stat status {};
+  if (::stat(path.c_str(), &status) != 0) {
+    if (errno != ENOENT) return last_error();
+    error = write_beside_and_rename(path, bytes, std::nullopt);
+    // For a new file a missing folder is what is not found.
+    return error == std::errc::no_such_file_or_directory
+               ? std::make_error_code(std::errc::not_a_directory)
+               : error;
+  }
+  if (S_ISDIR(status.st_mode)) return std::make_error_code(std::errc::is_a_directory);
+  if (!S_ISREG(status.st_mode)) return write_to_device(path, bytes);
+  if (::access(path.c_str(), W_OK) != 0) return last_error();
+  return write_beside_and_rename(path, bytes, status);
+}
+
+InputFile::~InputFile() { close(); }
+
+std::error_code InputFile::open(const fs::path& path) {
+  close();
+  const int descriptor = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+  if (descriptor < 0) return last_error();
+  handle_ = descriptor;
+  struct stat status {};
+  if (::fstat(descriptor, &status) != 0) return last_error();
+  if (S_ISDIR(status.st_mode)) return std::make_error_code(std::errc::is_a_directory);
+  if (!S_ISREG(status.st_mode)) return std::make_error_code(std::errc::invalid_seek);
+  size_ = static_cast<std::uint64_t>(status.st_size);
+  modified_ = status.st_mtime;
+  mode_ = status.st_mode;
+  return {};
+}
+
+void InputFile::close() {
+  if (handle_ >= 0) ::close(static_cast<int>(handle_));
+  handle_ = -1;
+}
+
+std::size_t InputFile::read(std::uint64_t offset, std::span<char> into, std::error_code& error) {
+  std::size_t done = 0;
+  while (done < into.size()) {
+    const auto got = ::pread(static_cast<int>(handle_), into.data() + done, into.size() - done,
+                             static_cast<off_t>(offset + done));
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) error = last_error();
+    if (got <= 0) break;
+    done += static_cast<std::size_t>(got);
+  }
+  return done;
+}
+
+}  // namespace orvex::platform

@@ -1,0 +1,86 @@
+#include "ui/qt/manual_dialog.h"
+
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScreen>
+#include <QVBoxLayout>
+
+#include "ui/qt/text.h"
+
+namespace orvex {
+
+ManualDialog::ManualDialog(QtWindows& windows, Program& program, QWidget* parent)
+    : QDialog(parent), windows_(windows), program_(program) {
+  setObjectName("Form4");
+  setWindowTitle("Comm Port Settings");
+  auto* column = new QVBoxLayout(this);
+  auto* form = new QFormLayout;
+  column->addLayout(form);
+  Form4& form4 = program.forms.form4;
+  add_combo(*form, "Combo1", "Port", Combo1_list, form4.Combo1);
+  add_combo(*form, "Combo2", "Baud rate", Combo2_list, form4.Combo2);
+  add_combo(*form, "Combo3", "Parity", Combo3_list, form4.Combo3);
+  auto* row = new QHBoxLayout;
+  column->addLayout(row);
+  add_button(*row, "Command1", "&Open Port", &Program::Form4_Command1_Click);
+  add_button(*row, "Command2", "&Cancel", &Program::Form4_Command2_Click);
+  windows.view.bind([&form4] { return form4.Visible; },
+                    [this](bool visible) { show_as(visible); });
+}
+
+void ManualDialog::reject() { close(); }
+
+void ManualDialog::closeEvent(QCloseEvent* event) {
+  if (windows_.ended()) return;
+  event->ignore();
+  windows_.handle([this] { program_.Form4_Close(); });
+}
+
+void ManualDialog::add_combo(QFormLayout& form, const char* name, const char* caption,
+                             std::span<const char* const> list, ComboBox& record) {
+  auto* combo = new QComboBox;
+  combo->setObjectName(name);
+  combo->setEditable(true);
+  combo->setInsertPolicy(QComboBox::NoInsert);
+  // Completion would turn a typed "none" into the item "NONE".
+  combo->setCompleter(nullptr);
+  for (const char* item : list) combo->addItem(item);
+  combo->setAccessibleName(caption);
+  form.addRow(caption, combo);
+  connect(combo, &QComboBox::editTextChanged, this, [this, combo, &record](const QString& text) {
+    windows_.handle([&] {
+      record.Text = from_qt(text);
+      record.ListIndex = combo->findText(text, Qt::MatchExactly | Qt::MatchCaseSensitive);
+    });
+  });
+  windows_.view.bind([&record]() -> const std::string& { return record.Text; },
+                     [combo](const std::string& text) {
+                       if (combo->currentText() == to_qt(text)) return;
+                       combo->setCurrentIndex(combo->findText(to_qt(text)));
+                       combo->setEditText(to_qt(text));
+                     });
+}
+
+void ManualDialog::add_button(QLayout& row, const char* name, const char* caption,
+                              void (Program::*click)()) {
+  auto* button = new QPushButton(caption);
+  button->setObjectName(name);
+  row.addWidget(button);
+  connect(button, &QPushButton::clicked, this,
+          [this, click] { windows_.handle([&] { (program_.*click)(); }); });
+}
+
+void ManualDialog::show_as(bool visible) {
+  setWindowModality(Qt::ApplicationModal);
+  if (visible) {
+    adjustSize();
+    move(screen()->geometry().center() - rect().center());
+  }
+  setVisible(visible);
+}
+
+}  // namespace orvex

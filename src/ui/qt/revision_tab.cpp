@@ -1,0 +1,76 @@
+#include "ui/qt/revision_tab.h"
+
+#include <QGridLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <functional>
+
+#include "ui/qt/pictures.h"
+#include "ui/qt/text.h"
+
+namespace orvex {
+namespace {
+
+struct Row {
+  const char* caption_control;
+  const char* caption;
+  const char* value_control;
+  std::function<const Label&()> value;
+};
+
+/// A value from the scanner: one line of plain text, however long or strange, that can be copied.
+QLabel* value_label(const char* name) {
+  auto* label = new QLabel;
+  label->setObjectName(name);
+  label->setTextFormat(Qt::PlainText);
+  label->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  label->setFrameShape(QFrame::StyledPanel);
+  label->setAutoFillBackground(true);
+  label->setBackgroundRole(QPalette::Base);
+  label->setForegroundRole(QPalette::Text);
+  label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+  label->setMargin(3);
+  label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+  label->setFixedHeight(label->fontMetrics().lineSpacing() + 10);
+  return label;
+}
+
+}  // namespace
+
+void add_revision_tab(QtWindows& windows, Program& program, QWidget& page) {
+  Form1& form1 = program.forms.form1;
+  const Row rows[]{
+      {"Label1(2)", "Application 1", "labRevision(1)", [&] { return std::cref(form1.labRevision[1]); }},
+      {"Label1(4)", "Application 2", "labRevision(2)", [&] { return std::cref(form1.labRevision[2]); }},
+      {"Label1(3)", "Hardware", "labRevision(3)", [&] { return std::cref(form1.labRevision[3]); }},
+      {"Label1(5)", "Model", "labRevision(4)", [&] { return std::cref(form1.labRevision[4]); }},
+      {"Label3", "Serial Number", "Label4", [&] { return std::cref(form1.Label4); }},
+      {"Label1(6)", "Web Site", "labWeb", [&] { return std::cref(form1.labWeb); }},
+  };
+  auto* grid = static_cast<QGridLayout*>(page.layout());
+  int line = 0;
+  for (const Row& row : rows) {
+    auto* caption = new QLabel(row.caption);
+    caption->setObjectName(row.caption_control);
+    QLabel* value = value_label(row.value_control);
+    value->setAccessibleDescription(row.caption);
+    grid->addWidget(caption, line, 0);
+    grid->addWidget(value, line++, 1, 1, 2);
+    windows.view.bind([get = row.value]() -> const std::string& { return get().Caption; },
+                      [value](const std::string& text) { value->setText(to_qt(text)); });
+  }
+  auto* web = new QPushButton(icon("web"), "&GoTo Web");
+  web->setObjectName("cmdWeb");
+  web->setToolTip("Send the web address to your browser");
+  web->setIconSize({24, 24});
+  grid->addWidget(web, line, 1, Qt::AlignLeft);
+  grid->setColumnStretch(2, 1);
+  grid->setRowStretch(line + 1, 1);
+  windows.view.bind([&form1] { return form1.cmdWeb.Enabled; },
+                    [web](bool enabled) { web->setEnabled(enabled); });
+  QObject::connect(web, &QPushButton::clicked, &windows, [&windows, &program] {
+    windows.handle([&] { program.cmdWeb_Click(); });
+  });
+}
+
+}  // namespace orvex

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QWidget>
+
+#include "ui/program.h"
+#include "ui/qt/qt_windows.h"
+
+namespace orvex {
+
+/// Fills the tab " Revision Numbers": what the scanner says of itself, and the web button.
+void add_revision_tab(QtWindows& windows, Program& program, QWidget& page);
+
+}  // namespace orvex

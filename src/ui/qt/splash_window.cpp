@@ -1,0 +1,113 @@
+#include "ui/qt/splash_window.h"
+
+#include <QCloseEvent>
+#include <QPainter>
+#include <QScreen>
+#include <algorithm>
+#include <utility>
+
+#include "ui/qt/pictures.h"
+#include "ui/qt/text.h"
+
+namespace orvex {
+namespace {
+
+// All in twips.
+constexpr int width_of_picture = 4020;
+constexpr int height_of_picture = 4335;
+constexpr int title_left = 2880;
+constexpr int title_top = 3600;
+constexpr int port_left = 2520;
+constexpr int rate_left = 2880;
+constexpr int line_top = 3960;
+constexpr int small_gap = 60;
+
+const QColor label_colour(0xE0, 0xE0, 0xE0);
+
+}  // namespace
+
+SplashWindow::SplashWindow(QtWindows& windows, Program& program, QWidget* parent)
+    : QWidget(parent, Qt::Dialog | Qt::FramelessWindowHint), windows_(windows), program_(program) {
+  setObjectName("Form2");
+  setWindowTitle(application_title);
+  setFixedSize(pixels(width_of_picture), pixels(height_of_picture));
+  // The picture is light in every theme, and so is what stands on it.
+  QPalette light;
+  light.setColor(QPalette::Window, label_colour);
+  light.setColor(QPalette::WindowText, Qt::black);
+  setPalette(light);
+  Form2& form2 = program.forms.form2;
+  title_ = add_label("Label1", title_left, title_top, form2.Label1);
+  port_ = add_label("Label2", port_left, line_top, form2.Label2);
+  rate_ = add_label("Label3", rate_left, line_top, form2.Label3);
+  add_button();
+  windows.view.bind([&form2] { return std::pair(form2.Visible, form2.Modal); },
+                    [this](const auto& state) { show_as(state.first, state.second); });
+}
+
+void SplashWindow::paintEvent(QPaintEvent* /*event*/) {
+  if (picture_.isNull()) picture_ = whole_picture("splash", devicePixelRatioF());
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::SmoothPixmapTransform);
+  painter.drawPixmap(rect(), picture_);
+}
+
+void SplashWindow::closeEvent(QCloseEvent* event) {
+  // The window has no close box: "OK" is the only way out.
+  if (!windows_.ended()) event->ignore();
+}
+
+QLabel* SplashWindow::add_label(const char* name, int left, int top, const Label& record) {
+  auto* label = new QLabel(this);
+  label->setObjectName(name);
+  label->setTextFormat(Qt::PlainText);
+  label->setAutoFillBackground(true);
+  QFont font = label->font();
+  font.setPointSize(std::max(7, font.pointSize() - 1));
+  label->setFont(font);
+  label->move(pixels(left), pixels(top));
+  windows_.view.bind([&record]() -> const std::string& { return record.Caption; },
+                     [this, label](const std::string& text) {
+                       label->setText(to_qt(text));
+                       label->adjustSize();
+                       place_labels();
+                     });
+  windows_.view.bind([&record] { return record.Visible; },
+                     [label](bool visible) { label->setVisible(visible); });
+  return label;
+}
+
+void SplashWindow::add_button() {
+  auto* ok = new QPushButton("&OK", this);
+  ok->setObjectName("Command3");
+  ok->setGeometry(pixels(1680), pixels(3840), pixels(855), pixels(375));
+  connect(ok, &QPushButton::clicked, this,
+          [this] { windows_.handle([this] { program_.Command3_Click(); }); });
+  windows_.view.bind([&record = program_.forms.form2.Command3] { return record.Visible; },
+                     [ok](bool visible) {
+                       ok->setVisible(visible);
+                       if (visible) ok->setFocus();
+                     });
+}
+
+void SplashWindow::place_labels() {
+  if (rate_ == nullptr) return;
+  const int end = width() - pixels(small_gap);
+  title_->move(std::min(pixels(title_left), end - title_->width()), pixels(title_top));
+  // Port and rate stand side by side, however wide the desktop's letters are.
+  const int both = port_->width() + rate_->width();
+  port_->move(std::min(pixels(port_left), end - both), pixels(line_top));
+  rate_->move(std::max(pixels(rate_left), port_->x() + port_->width()), pixels(line_top));
+}
+
+void SplashWindow::show_as(bool visible, bool modal) {
+  if (isVisible() && visible) hide();
+  setWindowModality(modal ? Qt::ApplicationModal : Qt::NonModal);
+  if (visible) {
+    const QRect room = screen()->geometry();
+    move(room.center() - rect().center());
+  }
+  setVisible(visible);
+}
+
+}  // namespace orvex

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QLabel>
+#include <QPixmap>
+#include <QPushButton>
+#include <QWidget>
+
+#include "ui/program.h"
+#include "ui/qt/qt_windows.h"
+
+namespace orvex {
+
+/// Form2 on the screen: splash window of a scan and About box.
+class SplashWindow final : public QWidget {
+ public:
+  SplashWindow(QtWindows& windows, Program& program, QWidget* parent);
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  QLabel* add_label(const char* name, int left, int top, const Label& record);
+  void add_button();
+  void show_as(bool visible, bool modal);
+  void place_labels();
+
+  QtWindows& windows_;
+  Program& program_;
+  QPixmap picture_;
+  QLabel* title_;
+  QLabel* port_;
+  QLabel* rate_;
+};
+
+}  // namespace orvex

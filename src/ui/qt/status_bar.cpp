@@ -1,0 +1,70 @@
+#include "ui/qt/status_bar.h"
+
+#include <QFrame>
+#include <QLabel>
+
+#include "ui/qt/pictures.h"
+#include "ui/qt/text.h"
+
+namespace orvex {
+namespace {
+
+constexpr int lamp_side = 16;
+constexpr int indicator_side = 20;
+
+QLabel* lamp(QWidget* frame, const char* name, const char* picture_name, const char* tip) {
+  auto* label = new QLabel(frame);
+  label->setObjectName(name);
+  label->setToolTip(tip);
+  label->setAccessibleName(tip);
+  label->setPixmap(picture(picture_name, {lamp_side, lamp_side}, label->devicePixelRatioF()));
+  label->setGeometry(2, 2, lamp_side, lamp_side);
+  return label;
+}
+
+}  // namespace
+
+StatusBarView::StatusBarView(QtWindows& windows, Form1& form1) {
+  setObjectName("sbrStatus");
+  setMinimumHeight(indicator_side + 8);
+  setContentsMargins(indicator_side + 6, 0, 0, 0);
+  add_panel(windows, form1, 1, 3);
+  add_panel(windows, form1, 2, 2);
+  add_indicator(windows, form1);
+}
+
+void StatusBarView::add_panel(QtWindows& windows, Form1& form1, int number, int stretch) {
+  auto* panel = new QLabel;
+  panel->setObjectName(QString("sbrStatus.Panels(%1)").arg(number));
+  panel->setTextFormat(Qt::PlainText);
+  panel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+  addWidget(panel, stretch);
+  windows.view.bind(
+      [&form1, number]() -> const std::string& { return form1.sbrStatus.Panels.at(number); },
+      [panel](const std::string& text) { panel->setText(to_qt(text)); });
+  if (number != 1) return;
+  windows.view.bind([&form1]() -> const std::string& { return form1.port_path; },
+                    [panel](const std::string& path) {
+                      panel->setToolTip(QString::fromLocal8Bit(path.c_str()));
+                    });
+}
+
+void StatusBarView::add_indicator(QtWindows& windows, Form1& form1) {
+  auto* frame = new QFrame(this);
+  frame->setObjectName("FrameLED");
+  frame->resize(indicator_side, indicator_side);
+  QLabel* connected = lamp(frame, "imgConnected", "lamp-connected", "Port is open");
+  QLabel* not_connected = lamp(frame, "imgNotConnected", "lamp-disconnected", "Port is closed");
+  windows.view.bind([&form1] { return form1.FrameLED_offset; },
+                    [frame](int offset) { frame->move(4, pixels(offset)); });
+  windows.view.bind([&form1] { return form1.FrameLED; },
+                    [connected, not_connected](Indicator front) {
+                      const bool open = front == Indicator::imgConnected;
+                      (open ? connected : not_connected)->raise();
+                      // Both pictures are partly clear, so the one behind must not shine through.
+                      connected->setVisible(open);
+                      not_connected->setVisible(!open);
+                    });
+}
+
+}  // namespace orvex

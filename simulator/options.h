@@ -1,0 +1,31 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "simulator/scanner.h"
+
+namespace orvex::simulator {
+
+/// What the command line of the program asks for.
+struct ProgramOptions {
+  std::filesystem::path link;
+  Options scanner;
+  int rate = 9600;
+  Faults faults;
+  bool paced = false;           ///< answers take the time that their bytes need on a line
+  bool manual_restart = false;  ///< a loaded file waits for the command `restart`
+  std::filesystem::path save_image;
+  std::string receiver = "rz";
+  bool help = false;
+};
+
+/// Throws std::invalid_argument, in words for the user, where the command line makes no sense.
+ProgramOptions parse_options(const std::vector<std::string_view>& arguments);
+
+/// What `--help` prints.
+std::string usage();
+
+}  // namespace orvex::simulator

@@ -1,0 +1,122 @@
+// Plays a session with the simulated scanner off screen: scan, receive, change, send, receive. It
+// prints what happens and saves pictures of the windows in the folder it is given.
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QLineEdit>
+#include <QRadioButton>
+#include <QTabWidget>
+#include <cstdio>
+#include <stdexcept>
+
+#include "gui/pilot.h"
+#include "ui/qt/text.h"
+
+namespace orvex {
+namespace {
+
+class Session {
+ public:
+  explicit Session(const QString& pictures) : pictures_(pictures), pilot_({"--rate", "random"}) {
+    QDir().mkpath(pictures);
+  }
+
+  void play() {
+    scan();
+    receive();
+    save_picture("revision-numbers");
+    change();
+    send();
+    receive();
+    check();
+    save_tabs();
+    pilot_.click("cmdExit");
+    say("The tool has ended.");
+  }
+
+ private:
+  static void say(const QString& line) { std::printf("%s\n", line.toLocal8Bit().constData()); }
+
+  void scan() {
+    QTimer::singleShot(200, [this] { save_picture("splash", "Form2"); });
+    QElapsedTimer clock;
+    clock.start();
+    pilot_.start();
+    say(QString("Scan: %1, after %2 s").arg(pilot_.panel(1)).arg(static_cast<double>(clock.elapsed()) / 1000));
+    if (!pilot_.find("cmdReceive")->isEnabled()) throw std::runtime_error("no scanner was found");
+  }
+
+  void receive() {
+    pilot_.click("cmdReceive");
+    expect_no_error();
+    say(QString("Received: Application 1 %1, model %2, prefix \"%3\", baud rate %4")
+            .arg(pilot_.text("labRevision(1)").trimmed(), pilot_.text("labRevision(4)").trimmed(),
+                 pilot_.text("Text2"), to_qt(pilot_.desktop().program.setup.value(Field::RSBAUD))));
+  }
+
+  void change() {
+    pilot_.click("Option14");
+    pilot_.click("Option30");
+    pilot_.find<QLineEdit>("Text2")->clear();
+    pilot_.click("mnuPrefix");
+    pilot_.click("cmdCtrlPre");
+    save_picture("control-characters");
+    pilot_.click("CharList(2)");
+    pilot_.type("Text2", "demo");
+    say("Changed: baud rate 57600 Bps, Code 39 enabled, prefix \"" + pilot_.text("Text2") + "\"");
+  }
+
+  void send() {
+    pilot_.click("cmdSend");
+    expect_no_error();
+    say("Sent: " + pilot_.panel(1));
+  }
+
+  void check() {
+    const bool changed = pilot_.find<QRadioButton>("Option14")->isChecked() &&
+                         pilot_.find<QRadioButton>("Option30")->isChecked() &&
+                         pilot_.text("Text2") == "[STX]demo";
+    if (!changed) throw std::runtime_error("the scanner didn't keep the changes");
+    say("The scanner has kept the changes.");
+  }
+
+  void expect_no_error() const {
+    if (!pilot_.panel(2).isEmpty()) throw std::runtime_error(pilot_.panel(2).toStdString());
+  }
+
+  void save_tabs() {
+    auto* tabs = pilot_.find<QTabWidget>("SSTab1");
+    for (int tab = 0; tab < tabs->count(); ++tab) {
+      tabs->setCurrentIndex(tab);
+      save_picture(QString("tab-%1").arg(tab));
+    }
+  }
+
+  void save_picture(const QString& name, const QString& window = "Form1") {
+    const QString path = QDir(pictures_).absoluteFilePath(name + ".png");
+    pilot_.desktop().windows.draw();
+    if (!pilot_.find(window, window)->grab().save(path)) {
+      throw std::runtime_error("can't write " + path.toStdString());
+    }
+    say("Picture: " + path);
+  }
+
+  QString pictures_;
+  Pilot pilot_;
+};
+
+}  // namespace
+}  // namespace orvex
+
+int main(int argc, char* argv[]) {
+  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+  const QApplication application(argc, argv);
+  QApplication::setQuitOnLastWindowClosed(false);
+  try {
+    orvex::Session(argc > 1 ? argv[1] : "screenshots").play();
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "The session failed: %s\n", error.what());
+    return 1;
+  }
+  return 0;
+}

@@ -1,0 +1,224 @@
+#include <gtest/gtest.h>
+
+#include <QComboBox>
+#include <QFile>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTabWidget>
+#include <algorithm>
+#include <ctime>
+#include <string>
+#include <vector>
+
+#include "gui/pilot.h"
+
+namespace orvex {
+namespace {
+
+constexpr const char* scanner_buttons[]{"cmdSend", "cmdReceive", "cmdFactory", "cmdWeb"};
+
+/// The enabled buttons as one letter each, in the order send, receive, factory, web.
+std::string enabled(const Pilot& pilot) {
+  std::string letters;
+  for (const char* name : scanner_buttons) {
+    letters += pilot.find<QPushButton>(name)->isEnabled() ? name[3] : '-';
+  }
+  return letters;
+}
+
+/// Notes the enabled buttons while a job runs.
+class Watch {
+ public:
+  explicit Watch(const Pilot& pilot) {
+    timer_.callOnTimeout([this, &pilot] {
+      const std::string letters = enabled(pilot);
+      if (seen_.empty() || seen_.back() != letters) seen_.push_back(letters);
+      tab_was_disabled_ |= !pilot.find("SSTab1")->isEnabled();
+      menus_were_disabled_ |= !pilot.can_choose("mnuauto") && !pilot.can_choose("mnumanual");
+    });
+    timer_.start(1);
+  }
+  bool saw(const std::string& letters) const { return std::ranges::count(seen_, letters) > 0; }
+  bool tab_was_disabled() const { return tab_was_disabled_; }
+  bool menus_were_disabled() const { return menus_were_disabled_; }
+
+ private:
+  QTimer timer_;
+  std::vector<std::string> seen_;
+  bool tab_was_disabled_ = false;
+  bool menus_were_disabled_ = false;
+};
+
+TEST(Session, the_scanner_is_found_and_its_setup_received_changed_sent_and_received_back) {
+  Pilot pilot({"--rate", "19200", "--revision", "3.22"});
+  pilot.start();
+  EXPECT_EQ(pilot.panel(1).toStdString(), "Settings: 19200,N,8,1  Com Port: 1");
+  EXPECT_EQ(pilot.panel(2).toStdString(), "TIME OUT COUNT = 0");
+  EXPECT_EQ(pilot.text("labRevision(1)"), "");
+  EXPECT_EQ(pilot.find("Form1")->windowTitle(), " Orvex - 2.11");
+  pilot.click("cmdReceive");
+  EXPECT_EQ(pilot.panel(2).toStdString(), "");
+  EXPECT_TRUE(pilot.text("labRevision(1)").startsWith(" 3.22"));
+
+  pilot.click("Option14");
+  pilot.click("Option7");
+  pilot.find<QLineEdit>("Text2")->clear();
+  pilot.type("Text2", "[STX]a:");
+  pilot.type("Text10", "7");
+  pilot.click("cmdSend");
+  EXPECT_EQ(pilot.panel(1).toStdString(), "Settings: 57600,e,8,1  Com Port: 1");
+  EXPECT_EQ(pilot.panel(2).toStdString(), "");
+
+  pilot.click("Option8");
+  pilot.find<QLineEdit>("Text2")->clear();
+  pilot.click("cmdReceive");
+  EXPECT_EQ(pilot.panel(2).toStdString(), "");
+  EXPECT_TRUE(pilot.find<QRadioButton>("Option14")->isChecked());
+  EXPECT_TRUE(pilot.find<QRadioButton>("Option7")->isChecked());
+  EXPECT_EQ(pilot.text("Text2").toStdString(), "[STX]a:");
+  EXPECT_EQ(pilot.text("Text10").toStdString(), "007");
+}
+
+TEST(Session, the_buttons_follow_each_job_and_each_end_of_a_scan) {
+  Pilot pilot({"--rate", "9600"});
+  pilot.tell_scanner("silent on");
+  pilot.answer_next_box("Cancel");
+  pilot.answer_next_box("OK");  // the first query meets a closed port
+  {
+    const Watch watch(pilot);
+    pilot.start();
+    EXPECT_EQ(enabled(pilot), "---W") << "a cancelled scan";
+    EXPECT_TRUE(watch.saw("---W"));
+  }
+  EXPECT_EQ(pilot.boxes(),
+            (QStringList{"Orvex1: Connection Failed", "Orvex1: The port is not open"}));
+
+  pilot.tell_scanner("silent off");
+  {
+    const Watch watch(pilot);
+    pilot.click("mnuauto");
+    EXPECT_TRUE(watch.tab_was_disabled());
+    EXPECT_TRUE(watch.menus_were_disabled());
+  }
+  EXPECT_EQ(enabled(pilot), "SRFW") << "a scan that found the scanner";
+  EXPECT_TRUE(pilot.find("SSTab1")->isEnabled());
+  EXPECT_TRUE(pilot.can_choose("mnuauto"));
+
+  for (const char* job : {"cmdReceive", "cmdSend", "cmdFactory"}) {
+    const Watch watch(pilot);
+    pilot.click(job);
+    EXPECT_TRUE(watch.saw("----")) << job;
+    EXPECT_EQ(enabled(pilot), "SRFW") << job;
+  }
+
+  pilot.tell_scanner("silent on");
+  pilot.click("cmdReceive");
+  EXPECT_EQ(pilot.panel(2).toStdString(), "Error in Receiving");
+  EXPECT_EQ(enabled(pilot), "SRFW") << "a failed job";
+
+  pilot.click("mnumanual");
+  ASSERT_TRUE(pilot.find("Form4", "Form4")->isVisible());
+  {
+    const Watch watch(pilot);
+    pilot.click("Command1", "Form4");
+    EXPECT_TRUE(watch.saw("----")) << "Open Port";
+  }
+  EXPECT_EQ(enabled(pilot), "SRFW") << "after Open Port";
+  EXPECT_FALSE(pilot.find("Form4", "Form4")->isVisible());
+
+  QFile::remove(pilot.folder() + "/com2");
+  QFile::link("/nowhere", pilot.folder() + "/com2");
+  pilot.click("mnumanual");
+  pilot.find<QComboBox>("Combo1", "Form4")->setCurrentIndex(1);
+  pilot.click("Command1", "Form4");
+  EXPECT_EQ(enabled(pilot), "SRFW") << "the open port was closed, and a failing reopen is silent";
+  pilot.click("mnumanual");
+  pilot.answer_next_box("OK");
+  pilot.click("Command1", "Form4");
+  EXPECT_EQ(enabled(pilot), "----") << "a port that is not available";
+  EXPECT_EQ(pilot.panel(1).toStdString(), "Settings: Closed");
+  EXPECT_TRUE(pilot.find("imgNotConnected")->isVisible());
+  EXPECT_TRUE(pilot.find("Form4", "Form4")->isVisible());
+  pilot.click("Command2", "Form4");
+  EXPECT_EQ(enabled(pilot), "----");
+}
+
+TEST(Session, a_start_without_a_port_says_so_and_leaves_the_tabs_disabled) {
+  Pilot pilot({}, false);
+  QFile::link("/nowhere", pilot.folder() + "/com1");
+  pilot.answer_next_box("OK");
+  pilot.answer_next_box("OK");
+  pilot.start();
+  EXPECT_EQ(pilot.boxes().value(0).toStdString(),
+            "Orvex1: Port is not available at COM:1\nYou can change the port settings from\n"
+            "PC Port Setting -> Manual Baud Setting...");
+  EXPECT_EQ(pilot.panel(1).toStdString(), "Settings: Closed");
+  EXPECT_FALSE(pilot.find("SSTab1")->isEnabled());
+  EXPECT_TRUE(pilot.can_choose("mnumanual"));
+}
+
+TEST(Session, a_device_that_goes_away_is_one_failure_and_a_new_one_is_found_again) {
+  Pilot pilot({"--rate", "9600"});
+  pilot.start();
+  pilot.tell_scanner("unplug");
+  ASSERT_TRUE(Pilot::wait_for([&] { return !pilot.desktop().line.is_open(); }));
+  pilot.answer_next_box("OK");
+  pilot.click("cmdReceive");
+  EXPECT_EQ(pilot.boxes(), QStringList{"Orvex1: The port is not open"});
+  EXPECT_EQ(pilot.panel(2).toStdString(), "Error in Receiving");
+
+  pilot.tell_scanner("plug");
+  ASSERT_TRUE(Pilot::wait_for([&] { return QFile::exists(pilot.folder() + "/com1"); }));
+  pilot.click("mnuauto");
+  pilot.click("cmdReceive");
+  EXPECT_EQ(pilot.panel(2).toStdString(), "");
+}
+
+TEST(Session, a_wait_for_a_silent_scanner_costs_next_to_no_processor_time) {
+  Pilot pilot({"--rate", "9600"});
+  pilot.start();
+  pilot.tell_scanner("silent on");
+  const std::clock_t before = std::clock();
+  pilot.click("cmdReceive");
+  const double seconds = static_cast<double>(std::clock() - before) / CLOCKS_PER_SEC;
+  EXPECT_EQ(pilot.panel(2).toStdString(), "Error in Receiving");
+  // Three waits of a second each; the windows' own drawing is in it too.
+  EXPECT_LT(seconds, 0.2);
+}
+
+TEST(Session, a_saved_setup_is_opened_again_and_a_failure_shows_its_number) {
+  Pilot pilot({"--rate", "9600"});
+  pilot.start();
+  pilot.type("Text2", "[STX]AB");
+  pilot.click("Option42");
+  pilot.choose_next_file(pilot.folder() + "/setup.txt");
+  pilot.click("mnusave");
+  pilot.find<QLineEdit>("Text2")->clear();
+  pilot.click("Option43");
+  pilot.choose_next_file(pilot.folder() + "/setup.txt");
+  pilot.click("mnuopen");
+  EXPECT_EQ(pilot.text("Text2").toStdString(), "[STX]AB");
+  EXPECT_TRUE(pilot.find<QRadioButton>("Option43")->isChecked()) << "CTS/RTS is in no file";
+
+  pilot.choose_next_file(pilot.folder() + "/missing/setup.txt");
+  pilot.answer_next_box("OK");
+  pilot.click("mnusave");
+  EXPECT_EQ(pilot.boxes(), QStringList{"Error: Error # 76 Path not found"});
+}
+
+TEST(Session, the_about_box_shows_ok_in_place_of_the_scan_and_brings_it_back) {
+  Pilot pilot({"--rate", "9600"});
+  pilot.start();
+  pilot.click("mnuabout");
+  EXPECT_TRUE(pilot.find("Form2", "Form2")->isVisible());
+  EXPECT_TRUE(pilot.find("Form2", "Form2")->isModal());
+  EXPECT_FALSE(pilot.find("Label3", "Form2")->isVisible());
+  pilot.click("Command3", "Form2");
+  EXPECT_FALSE(pilot.find("Form2", "Form2")->isVisible());
+  EXPECT_EQ(pilot.text("Label3", "Form2").toStdString(), "  9600");
+  EXPECT_EQ(pilot.text("Label2", "Form2").toStdString(), "COM:1 at");
+}
+
+}  // namespace
+}  // namespace orvex

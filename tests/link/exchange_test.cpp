@@ -1,0 +1,213 @@
+#include "link/exchange.h"
+
+#include <gtest/gtest.h>
+
+#include "link/frame.h"
+#include "support/desk.h"
+
+namespace orvex::test {
+namespace {
+
+struct ExchangeTest : testing::Test, Bench {
+  std::int16_t send(std::string_view tag) { return exchange.Send_Tag(tag); }
+  const std::string& panel2() { return forms.form1.sbrStatus.Panels[2]; }
+  std::vector<Time> frame_times() const {
+    std::vector<Time> times;
+    for (const auto& frame : line.frames) times.push_back(frame.at);
+    return times;
+  }
+};
+
+TEST_F(ExchangeTest, a_set_frame_ends_at_its_ack) {
+  EXPECT_EQ(send("<SPVOLU=LOW>"), 1);
+  EXPECT_LT(now(), 25ms);  // fifteen bytes at 9600 Bps, and the scanner's 5 ms
+  EXPECT_FALSE(forms.form1.Timer1.Enabled());
+  EXPECT_EQ(panel2(), "TIME OUT COUNT = 0");
+  EXPECT_EQ(forms.form1.sbrStatus.Panels[1], "Settings: 9600,N,8,1  Com Port: 1");
+  EXPECT_EQ(scanner.parameters["SPVOLU"], "LOW");
+}
+
+TEST_F(ExchangeTest, three_naks_end_the_transaction_without_waiting) {
+  scanner.faults.refused = 3;
+  EXPECT_EQ(send("<SPVOLU=LOW>"), 0);
+  EXPECT_EQ(line.frames.size(), 3U);
+  EXPECT_LT(now(), 75ms);
+  EXPECT_EQ(panel2(), "TIME OUT COUNT = 2");
+}
+
+TEST_F(ExchangeTest, two_naks_and_an_ack_are_a_success) {
+  scanner.faults.refused = 2;
+  EXPECT_EQ(send("<SPVOLU=LOW>"), 1);
+  EXPECT_EQ(panel2(), "TIME OUT COUNT = 2");
+}
+
+TEST_F(ExchangeTest, silence_gives_three_identical_frames_a_second_apart_and_burns_no_time) {
+  scanner.faults.silent = simulator::always;
+  EXPECT_EQ(send("<SPVOLU=LOW>"), 0);
+  EXPECT_EQ(frame_times(), (std::vector<Time>{0s, 1s, 2s}));
+  EXPECT_EQ(line.texts(), "<SPVOLU=LOW><SPVOLU=LOW><SPVOLU=LOW>");
+  EXPECT_EQ(now(), 3s);
+  EXPECT_EQ(panel2(), "TIME OUT COUNT = 2");
+  EXPECT_LE(windows.pumps, 10);
+}
+
+TEST_F(ExchangeTest, the_ack_wins_over_a_tick_in_the_same_pass) {
+  line.paced = false;
+  scanner.options.ack_delay = 1s;
+  EXPECT_EQ(send("<SPVOLU=LOW>"), 1);
+  EXPECT_EQ(line.frames.size(), 1U);
+  scanner.options.ack_delay += 1ns;
+  send("<SPVOLU=LOW>");
+  EXPECT_EQ(line.frames.size(), 3U) << "an ACK behind the tick belongs to the next send";
+}
+
+TEST_F(ExchangeTest, a_tick_wins_over_the_line_end_in_the_same_pass) {
+  line.paced = false;
+  scanner.options.reply_delay = 1500ms;
+  EXPECT_EQ(send("<HARDRV:>"), 0);
+  EXPECT_EQ(state.ReplyText, "2.0B\r\n");
+  EXPECT_EQ(state.TimedOut, 1);
+  EXPECT_EQ(forms.form1.labRevision[3].Caption, "");
+  EXPECT_FALSE(forms.form1.Timer1.Enabled());
+}
+
+TEST_F(ExchangeTest, the_reply_may_take_as_long_as_the_rate_allows) {
+  struct {
+    const char* settings;
+    Time limit;
+  } const table[]{{"9600,N,8,1", 1500ms}, {"4800,N,8,1", 1500ms},   {"2400,N,8,1", 2500ms},
+                  {"1200,N,8,1", 2500ms}, {"  1200,N,8,1", 2500ms}, {"115200,n,8,1", 1500ms},
+                  {"19200,N,8,1", 1500ms}};
+  line.paced = false;
+  for (const auto& row : table) {
+    MSComm1.Settings(row.settings);
+    scanner.rate(line.settings.baud);
+    scanner.options.reply_delay = row.limit - 1ns;
+    EXPECT_EQ(send("<HARDRV:>"), 1) << row.settings;
+    scanner.options.reply_delay = row.limit;
+    EXPECT_EQ(send("<HARDRV:>"), 0) << row.settings;
+    windows.idle(1s);
+  }
+}
+
+TEST_F(ExchangeTest, a_late_ack_counts_for_the_second_frame_and_its_own_is_forgotten) {
+  scanner.faults.late_acks = 2;
+  scanner.faults.late_by = 1200ms;
+  EXPECT_EQ(send("<SPVOLU=LOW>"), 1);
+  EXPECT_EQ(panel2(), "TIME OUT COUNT = 1");
+  windows.idle(2s);
+  EXPECT_EQ(send("<HARDRV:>"), 1);
+  EXPECT_EQ(forms.form1.labRevision[3].Caption, " 2.0B\r\n");
+}
+
+TEST_F(ExchangeTest, bytes_ahead_of_the_ack_are_dropped_and_those_before_the_frame_as_well) {
+  scanner.faults.junk_before_ack = "\xFF\x01<SPVOLU=HIGH>\x04";
+  line.inject("\x15\x06old\r\n");
+  windows.idle(20ms);
+  EXPECT_EQ(send("<HARDRV:>"), 1);
+  EXPECT_EQ(state.ReplyText, "2.0B\r\n");
+}
+
+TEST_F(ExchangeTest, ack_and_reply_may_come_in_one_piece) {
+  line.paced = false;
+  scanner.options.ack_delay = scanner.options.reply_delay = 0ms;
+  EXPECT_EQ(send("<HARDRV:>"), 1);
+  EXPECT_EQ(forms.form1.labRevision[3].Caption, " 2.0B\r\n");
+  EXPECT_FALSE(forms.form1.Timer1.Enabled());
+}
+
+TEST_F(ExchangeTest, the_reply_ends_at_the_first_line_end_and_the_rest_is_dropped) {
+  scanner.faults.other_reply = "one\r\ntwo\r\n";
+  EXPECT_EQ(send("<WEBSIT:>"), 1);
+  EXPECT_EQ(forms.form1.labWeb.Caption, "one\r\n");
+  scanner.faults = {};
+  EXPECT_EQ(send("<HARDRV:>"), 1);
+  EXPECT_EQ(forms.form1.labRevision[3].Caption, " 2.0B\r\n");
+}
+
+TEST_F(ExchangeTest, a_set_frame_with_a_colon_at_the_end_of_a_text_awaits_no_reply) {
+  EXPECT_EQ(send("<PREFIX=a:><SUFFIX=:>"), 1);
+  EXPECT_EQ(scanner.parameters["PREFIX"], "a:");
+  EXPECT_LT(now(), 1s);
+}
+
+TEST_F(ExchangeTest, replies_fill_their_labels_uncut_where_they_are_short) {
+  struct {
+    const char* tag;
+    const char* reply;
+    std::string shown;
+  } const table[]{{"<APP1RV:>", "3.2\r\n", " 3.2\r\n"},
+                  {"<APP1RV:>", "3.21 long\r\n", " 3.21 lo"},
+                  {"<APP2RV:>", "1.070000\r\n", " 1.07000"},
+                  {"<HARDRV:>", "\r\n", " \r\n"},
+                  {"<FINGER:>", "OX-41000X\r\n", " OX-41000"},
+                  {"<FINGER:>", "OX\r\n", " OX\r\n"},
+                  {"<WEBSIT:>", "www.a-long-address.example\r\n", "www.a-long-addres"},
+                  {"<WEBSIT:>", "www.x.example\r\n", "www.x.example\r\n"},
+                  {"<WEBSIT:>", "www.16letters.ex\r\n", "www.16letters.ex\r"},
+                  {"<SERIAL:>", "000000000000000000004711\r\n", "000000000000000000004711\r\n"}};
+  Form1& form1 = forms.form1;
+  for (const auto& row : table) {
+    scanner.faults.other_reply = row.reply;
+    const std::string tag = row.tag;
+    EXPECT_EQ(send(tag), 1) << tag;
+    const std::string& shown = tag == "<APP1RV:>"   ? form1.labRevision[1].Caption
+                               : tag == "<APP2RV:>" ? form1.labRevision[2].Caption
+                               : tag == "<HARDRV:>" ? form1.labRevision[3].Caption
+                               : tag == "<FINGER:>" ? form1.labRevision[4].Caption
+                               : tag == "<WEBSIT:>" ? form1.labWeb.Caption
+                                                    : form1.Label4.Caption;
+    EXPECT_EQ(shown, row.shown) << tag;
+  }
+}
+
+TEST_F(ExchangeTest, the_revision_number_is_made_of_characters_one_three_and_four) {
+  struct {
+    const char* reply;
+    int number;
+    const char* box;
+  } const table[]{{"3.21\r\n", 321, ""},
+                  {"3.2\r\n", 32, ""},  // the CR is the fourth character
+                  {"4X07b\r\n", 407, ""},
+                  {"x.21\r\n", 407, "[Type mismatch]"},
+                  {"\r\n", 407, "[Type mismatch]"},
+                  {"3.2e9\r\n", 407, "[Type mismatch]"},
+                  {"9.e9\r\n", 407, "[Overflow]"}};
+  for (const auto& row : table) {
+    windows.boxes.clear();
+    scanner.faults.other_reply = row.reply;
+    EXPECT_EQ(send("<APP1RV:>"), *row.box == '\0' ? 1 : 0) << row.reply;
+    EXPECT_EQ(state.App1RevNumber, row.number) << row.reply;
+    EXPECT_EQ(windows.box_texts(), row.box) << row.reply;
+  }
+}
+
+TEST_F(ExchangeTest, the_first_query_sets_the_number_and_leaves_the_label) {
+  state.StartUpQuery = -1;
+  EXPECT_EQ(send("<APP1RV:>"), 1);
+  EXPECT_EQ(state.App1RevNumber, 322);
+  EXPECT_EQ(forms.form1.labRevision[1].Caption, "");
+}
+
+TEST_F(ExchangeTest, a_port_that_fails_shows_one_box_and_gives_0_at_once) {
+  MSComm1.PortOpen(false);
+  EXPECT_EQ(send("<HARDRV:>"), 0);
+  ASSERT_EQ(windows.boxes.size(), 1U);
+  const MessageBox& box = windows.boxes[0].box;
+  EXPECT_NE(box.text, "");
+  EXPECT_EQ(box.icon, Icon::exclamation);
+  EXPECT_EQ(box.buttons, Buttons::ok);
+  EXPECT_EQ(box.title, "Orvex1");
+  EXPECT_EQ(now(), 0s);
+}
+
+TEST_F(ExchangeTest, a_line_lost_in_the_reply_wait_ends_in_a_box) {
+  scanner.faults.reply_without_end = true;
+  windows.at(700ms, [&] { line.unplug(); });
+  EXPECT_EQ(send("<HARDRV:>"), 0);
+  EXPECT_EQ(now(), 700ms);
+  EXPECT_EQ(windows.boxes.size(), 1U);
+}
+
+}  // namespace
+}  // namespace orvex::test

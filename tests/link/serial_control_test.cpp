@@ -1,0 +1,89 @@
+#include "link/serial_control.h"
+
+#include <gtest/gtest.h>
+
+#include "support/desk.h"
+
+namespace orvex::test {
+namespace {
+
+/// The number of the failure that a step ends in, 0 where it works.
+template <typename Step>
+int failure_of(Step&& step) {
+  try {
+    step();
+  } catch (const RunTimeError& error) {
+    return error.number;
+  }
+  return 0;
+}
+
+struct SerialControlTest : testing::Test, Bench {};
+
+TEST_F(SerialControlTest, settings_are_taken_whole_or_refused_whole) {
+  struct {
+    const char* text;
+    const char* reads_back;  ///< null where it is refused
+  } const table[]{{"  9600,N,8,1", "9600,N,8,1"},   {" 19200,E,8,1", "19200,E,8,1"},
+                  {"115200,n,8,1", "115200,n,8,1"}, {"19200,e,7,2", "19200,e,7,2"},
+                  {"1200,o,8,1", "1200,o,8,1"},     {"300,n,8,1", nullptr},
+                  {"9600,x,8,1", nullptr},          {"9600,n,6,1", nullptr},
+                  {"9600,n,8,3", nullptr},          {"9600,n,8", nullptr},
+                  {"9600,n,8,1,", nullptr},         {"", nullptr},
+                  {"fast,n,8,1", nullptr},          {"09600,n,8,1", nullptr},
+                  {"9600,none,8,1", nullptr},       {"-9600,n,8,1", nullptr}};
+  for (const auto& row : table) {
+    const std::string before = MSComm1.Settings();
+    const LineSettings line_before = line.settings;
+    const int failure = failure_of([&] { MSComm1.Settings(row.text); });
+    EXPECT_EQ(failure, row.reads_back != nullptr ? 0 : error_number::invalid_value) << row.text;
+    EXPECT_EQ(MSComm1.Settings(), row.reads_back != nullptr ? row.reads_back : before) << row.text;
+    EXPECT_EQ(line.settings == line_before, row.reads_back == nullptr) << row.text;
+  }
+  EXPECT_EQ(line.opens, 1) << "a change of settings never closes the port";
+}
+
+TEST_F(SerialControlTest, settings_reach_the_line_with_each_of_their_fields) {
+  MSComm1.Settings("38400,o,7,2");
+  EXPECT_EQ(line.settings, (LineSettings{38400, Parity::odd, 7, 2}));
+  MSComm1.PortOpen(false);
+  MSComm1.Settings("  2400,E,8,1");
+  MSComm1.PortOpen(true);
+  EXPECT_EQ(line.settings, (LineSettings{2400, Parity::even, 8, 1}));
+}
+
+TEST_F(SerialControlTest, port_numbers_are_1_to_6_and_a_port_that_fails_stays_closed) {
+  MSComm1.PortOpen(false);
+  for (const int number : {-1, 0, 7}) {
+    EXPECT_EQ(failure_of([&] { MSComm1.CommPort(number); }), error_number::invalid_value);
+  }
+  MSComm1.CommPort(6);
+  EXPECT_NE(failure_of([&] { MSComm1.PortOpen(true); }), 0);
+  EXPECT_FALSE(MSComm1.PortOpen());
+  EXPECT_EQ(failure_of([&] { MSComm1.PortOpen(false); }), 0);
+  EXPECT_NE(failure_of([&] { MSComm1.Output("x"); }), 0);
+  EXPECT_NE(failure_of([&] { MSComm1.Input(); }), 0);
+}
+
+TEST_F(SerialControlTest, the_receive_event_waits_for_its_threshold_and_0_switches_it_off) {
+  for (const int threshold : {1, 3, 0}) {
+    exchange.empty_receive_side();
+    MSComm1.RThreshold(threshold);
+    line.inject("ab");
+    windows.idle(1s);
+    EXPECT_EQ(state.RxAccum, threshold == 1 ? "ab" : "") << threshold;
+    EXPECT_EQ(exchange.Read_Port(1), "ab") << threshold;
+    EXPECT_EQ(exchange.Read_Port(1), "");
+  }
+}
+
+TEST_F(SerialControlTest, an_unread_line_keeps_its_buffer_and_no_more) {
+  line.paced = false;
+  MSComm1.RThreshold(0);
+  line.inject(std::string(in_buffer_size + 5, 'x'));
+  windows.idle(1ms);
+  EXPECT_EQ(MSComm1.Input().size(), in_buffer_size);
+}
+
+}  // namespace
+}  // namespace orvex::test

@@ -95,6 +95,7 @@ class Session {
   void save_picture(const QString& name, const QString& window = "Form1") {
     const QString path = QDir(pictures_).absoluteFilePath(name + ".png");
     pilot_.desktop().windows.draw();
+    Pilot::wait_for([] { return false; }, 50);
     if (!pilot_.find(window, window)->grab().save(path)) {
       throw std::runtime_error("can't write " + path.toStdString());
     }

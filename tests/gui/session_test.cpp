@@ -1,12 +1,14 @@
 #include <gtest/gtest.h>
 
 #include <QComboBox>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTabWidget>
 #include <algorithm>
+#include <cstdio>
 #include <ctime>
 #include <string>
 #include <vector>
@@ -78,6 +80,38 @@ TEST(Session, the_scanner_is_found_and_its_setup_received_changed_sent_and_recei
   EXPECT_TRUE(pilot.find<QRadioButton>("Option7")->isChecked());
   EXPECT_EQ(pilot.text("Text2").toStdString(), "[STX]a:");
   EXPECT_EQ(pilot.text("Text10").toStdString(), "007");
+}
+
+TEST(Session, each_rate_is_found_in_its_turn_and_can_be_left_for_another) {
+  struct Rate {
+    const char* name;
+    const char* option;
+  };
+  const Rate rates[]{{"9600", "Option11"},  {"19200", "Option12"}, {"115200", "Option15"},
+                     {"57600", "Option14"}, {"38400", "Option13"}, {"4800", "Option10"},
+                     {"2400", "Option9"},   {"1200", "Option8"}};
+  for (int turn = 0; turn < 8; ++turn) {
+    Pilot pilot({"--rate", rates[turn].name});
+    QElapsedTimer clock;
+    clock.start();
+    pilot.start();
+    std::printf("%6s Bps found after %lld ms\n", rates[turn].name, clock.elapsed());
+    EXPECT_GE(clock.elapsed(), 500 * turn);
+    EXPECT_LT(clock.elapsed(), 500 * turn + 400);
+    const QString port_line = "Settings: %1,%2,8,1  Com Port: 1";
+    EXPECT_EQ(pilot.panel(1), port_line.arg(rates[turn].name, "N"));
+    pilot.click("cmdReceive");
+    EXPECT_EQ(pilot.panel(2).toStdString(), "");
+    const Rate& next = rates[(turn + 3) % 8];
+    pilot.click(next.option);
+    pilot.click("cmdSend");
+    EXPECT_EQ(pilot.panel(1), port_line.arg(next.name, "n"));
+    pilot.click("Option22");
+    pilot.click("cmdReceive");
+    EXPECT_EQ(pilot.panel(2).toStdString(), "");
+    EXPECT_TRUE(pilot.find<QRadioButton>(next.option)->isChecked());
+    EXPECT_FALSE(pilot.find<QRadioButton>("Option22")->isChecked());
+  }
 }
 
 TEST(Session, the_buttons_follow_each_job_and_each_end_of_a_scan) {

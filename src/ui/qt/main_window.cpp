@@ -29,7 +29,8 @@ constexpr int suffix_tab = 5;
 QScrollArea* make_page(QWidget*& page) {
   page = new QWidget;
   auto* grid = new QGridLayout(page);
-  grid->setHorizontalSpacing(10);
+  grid->setContentsMargins(6, 6, 6, 6);
+  grid->setHorizontalSpacing(8);
   grid->setVerticalSpacing(10);
   auto* area = new QScrollArea;
   area->setWidgetResizable(true);
@@ -115,7 +116,7 @@ void MainWindow::add_symbol_pickers(const std::vector<QWidget*>& pages) {
     picker->setObjectName(parts.frame);
     auto* grid = static_cast<QGridLayout*>(pages[static_cast<std::size_t>(parts.tab)]->layout());
     const int below = grid->rowCount();
-    grid->addWidget(button, 0, 1, Qt::AlignBottom | Qt::AlignLeft);
+    grid->addWidget(button, 0, 1, Qt::AlignVCenter | Qt::AlignLeft);
     grid->addWidget(picker, below, 0, 1, 2, Qt::AlignLeft);
     grid->setColumnStretch(0, 1);
     connect(button, &QPushButton::clicked, this, [this, toggle = parts.toggle] {
@@ -160,6 +161,18 @@ QHBoxLayout* MainWindow::make_buttons() {
   return row;
 }
 
+QSize MainWindow::size_for_pages() const {
+  QSize beyond_areas;
+  for (const QScrollArea* area : findChildren<QScrollArea*>()) {
+    beyond_areas =
+        beyond_areas.expandedTo(area->widget()->minimumSizeHint() - area->minimumSizeHint());
+  }
+  const QMargins margins = centralWidget()->layout()->contentsMargins();
+  const int tabs = findChild<QTabWidget*>("SSTab1")->minimumSizeHint().width();
+  return {tabs + beyond_areas.width() + margins.left() + margins.right(),
+          minimumSizeHint().height() + beyond_areas.height()};
+}
+
 void MainWindow::bind_geometry() {
   Form1& form1 = program_.forms.form1;
   windows_.view.bind(
@@ -169,10 +182,14 @@ void MainWindow::bind_geometry() {
       },
       [this](const auto& at) {
         const auto& [left, top, width, height] = at;
-        // A screen of 1024 by 600 with large type still has to hold the buttons.
+        // With larger type the pages need more, and a small screen still has to hold the buttons.
         const QRect room = screen()->availableGeometry();
-        resize(std::min(pixels(width), room.width()), std::min(pixels(height), room.height()));
-        move(std::max(pixels(left), room.left()), std::max(pixels(top), room.top()));
+        const QSize wanted = QSize(pixels(width), pixels(height)).expandedTo(size_for_pages());
+        resize(wanted.boundedTo(room.size()));
+        const QPoint grown((wanted.width() - pixels(width)) / 2,
+                           (wanted.height() - pixels(height)) / 2);
+        const QPoint corner = QPoint(pixels(left), pixels(top)) - grown;
+        move(std::max(corner.x(), room.left()), std::max(corner.y(), room.top()));
       });
   windows_.view.bind([&form1]() -> const std::string& { return form1.Caption; },
                      [this](const std::string& caption) { setWindowTitle(to_qt(caption)); });

@@ -24,6 +24,7 @@ class MainWindow final : public QMainWindow {
   QWidget* make_tabs();
   void add_symbol_pickers(const std::vector<QWidget*>& pages);
   QHBoxLayout* make_buttons();
+  QSize size_for_pages() const;
   void bind_geometry();
 
   QtWindows& windows_;

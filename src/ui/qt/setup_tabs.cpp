@@ -62,7 +62,8 @@ void SetupTabs::add_frame(const FrameLayout& frame) {
   auto* box = new QGroupBox(to_qt(frame.caption));
   box->setObjectName(to_qt(frame.name));
   auto* grid = new QGridLayout(box);
-  grid->setHorizontalSpacing(18);
+  grid->setContentsMargins(8, 5, 8, 7);
+  grid->setHorizontalSpacing(12);
   QWidget& around = frame.inside.empty() ? *pages_[static_cast<std::size_t>(frame.tab)]
                                          : *frames_.at(frame.inside);
   const int columns = frame.inside.empty() ? 1 : 2;
@@ -132,6 +133,9 @@ void SetupTabs::add_text_box(const Parameter& row) {
   auto* unit = new QLabel("msec");
   unit->setObjectName("Label8");
   grid.addWidget(unit, 0, 1);
+  constexpr int wide_letters = 6;
+  box->setMaximumWidth(wide_letters * box->fontMetrics().horizontalAdvance('0') + 20);
+  grid.setColumnStretch(2, 1);
 }
 
 Caret& SetupTabs::caret_of(Field field) {

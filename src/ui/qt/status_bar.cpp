@@ -37,7 +37,9 @@ void StatusBarView::add_panel(QtWindows& windows, Form1& form1, int number, int 
   auto* panel = new QLabel;
   panel->setObjectName(QString("sbrStatus.Panels(%1)").arg(number));
   panel->setTextFormat(Qt::PlainText);
-  panel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+  // The text of panel 1 is the tool's own and short; panel 2 takes what is left.
+  panel->setSizePolicy(number == 1 ? QSizePolicy::Minimum : QSizePolicy::Ignored,
+                       QSizePolicy::Preferred);
   addWidget(panel, stretch);
   windows.view.bind(
       [&form1, number]() -> const std::string& { return form1.sbrStatus.Panels.at(number); },

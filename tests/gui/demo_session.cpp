@@ -3,7 +3,9 @@
 
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QLineEdit>
+#include <QProgressBar>
 #include <QRadioButton>
 #include <QTabWidget>
 #include <cstdio>
@@ -30,6 +32,8 @@ class Session {
     receive();
     check();
     save_tabs();
+    show_dialogs();
+    upload();
     pilot_.click("cmdExit");
     say("The tool has ended.");
   }
@@ -90,6 +94,34 @@ class Session {
       tabs->setCurrentIndex(tab);
       save_picture(QString("tab-%1").arg(tab));
     }
+  }
+
+  void show_dialogs() {
+    pilot_.click("mnuabout");
+    save_picture("about", "Form2");
+    pilot_.click("Command3", "Form2");
+    pilot_.click("mnumanual");
+    save_picture("manual-port", "Form4");
+    pilot_.click("Command2", "Form4");
+  }
+
+  void upload() {
+    QByteArray image(3 << 20, 'x');
+    image.replace(48, 8, "3145728 ").replace(64, 4, "C0DE");
+    image.replace(80, 7, "3.40   ").replace(96, 11, "22 Nov 2026");
+    QFile file(pilot_.folder() + "/firmware.bin");
+    if (!file.open(QIODevice::WriteOnly)) throw std::runtime_error("can't write an image");
+    file.write(image);
+    file.close();
+    pilot_.choose_next_file(file.fileName());
+    pilot_.answer_next_box("Yes");
+    pilot_.click("mnuload(2)");
+    const auto* bar = pilot_.find<QProgressBar>("ProgressBar1", "Form3");
+    Pilot::wait_for([&] { return bar->value() > image.size() / 3; });
+    save_picture("upload", "Form3");
+    say(QString("Uploaded %1 of %2 bytes, then cancelled").arg(bar->value()).arg(bar->maximum()));
+    pilot_.answer_next_box("Yes");
+    pilot_.click("Command1", "Form3");
   }
 
   void save_picture(const QString& name, const QString& window = "Form1") {

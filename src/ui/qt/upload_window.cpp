@@ -101,6 +101,7 @@ void UploadWindow::add_header_row(QGridLayout& grid, int row) {
   const HeaderRow& parts = header_rows[static_cast<std::size_t>(row)];
   auto* caption = new QLabel(parts.caption);
   caption->setObjectName(QString("Label%1").arg(row + 1));
+  caption->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
   auto* text = new QLineEdit;
   text->setObjectName(QString("Text%1").arg(row + 1));
   text->setReadOnly(true);

@@ -61,15 +61,16 @@ std::string Scanner::say(Time now) {
     if (word.then) word.then(word.at);
     if (!word.bytes.empty()) return word.bytes;
   }
-  if (!loader_ || !words_.empty()) return {};
+  if (!loader_) return {};
   auto bytes = loader_->say(now);
   if (bytes.empty()) look_after_loader();
   return bytes;
 }
 
 std::optional<Time> Scanner::due() const {
-  if (!words_.empty()) return words_.front().at;
-  return loader_ ? loader_->due() : std::nullopt;
+  auto next = loader_ ? loader_->due() : std::nullopt;
+  if (!words_.empty()) next = std::min(next.value_or(Time::max()), words_.front().at);
+  return next;
 }
 
 int Scanner::rate() const {

@@ -19,8 +19,22 @@ using namespace std::chrono_literals;
 constexpr Time quiet_before_restart = 1s;
 constexpr int bits_in_byte = 10;
 
+/// What comes from the line may hold anything; a terminal gets "." for what isn't plain text.
+std::string printable(std::string text) {
+  std::ranges::replace_if(
+      text, [](unsigned char c) { return c < 0x20 || c > 0x7E; }, '.');
+  return text;
+}
+
 Time now() {
   return std::chrono::steady_clock::now().time_since_epoch();
+}
+
+/// A frame as a terminal may show it: control and 8-bit characters as dots.
+std::string printable(std::string text) {
+  std::ranges::replace_if(
+      text, [](unsigned char c) { return c < 0x20 || c > 0x7E; }, '.');
+  return text;
 }
 
 }  // namespace
@@ -87,7 +101,7 @@ void Simulation::listen() {
     std::printf("the PC talks at %d\n", rate);
   }
   scanner_.hear(bytes, line_rate_, last_heard_);
-  for (const auto& frame : scanner_.frames) std::printf("heard %s\n", frame.c_str());
+  for (const auto& frame : scanner_.frames) std::printf("heard %s\n", printable(frame).c_str());
   scanner_.frames.clear();
 }
 

@@ -73,9 +73,7 @@ class Scan {
 
   bool answers_at(std::string_view rate) {
     PortState& state = link_.state;
-    attempts_([&] {
-      link_.MSComm1.Settings(std::string(rate) + state.TryParity + ",8,1");
-    });
+    attempts_([&] { link_.MSComm1.Settings(std::string(rate) + state.TryParity + ",8,1"); });
     link_.windows.pump(Wait::no);
     state.RxAccum.clear();
     attempts_([&] { state.ReplyText = link_.exchange.Read_Port(1); });
@@ -123,7 +121,9 @@ class Scan {
 
 }  // namespace
 
-void mnuauto_Click(ScannerLink& link) { Scan(link).run(); }
+void mnuauto_Click(ScannerLink& link) {
+  Scan(link).run();
+}
 
 void load_form2(ScannerLink& link) {
   Form2& form2 = link.forms.form2;

@@ -98,8 +98,12 @@ void open_port_by_hand(ScannerLink& link) {
   leave_manual_dialog(link);
 }
 
-void leave_manual_dialog(ScannerLink& link) { link.forms.form4.Visible = false; }
+void leave_manual_dialog(ScannerLink& link) {
+  link.forms.form4.Visible = false;
+}
 
-void close_manual_dialog(ScannerLink& link) { link.forms.form4 = Form4{}; }
+void close_manual_dialog(ScannerLink& link) {
+  link.forms.form4 = Form4{};
+}
 
 }  // namespace orvex

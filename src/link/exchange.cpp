@@ -80,8 +80,8 @@ bool Exchange::wait_for_ping() {
 }
 
 void Exchange::show_port_line() {
-  form1_.sbrStatus.Panels[1] = "Settings: " + MSComm1_.Settings() +
-                               "  Com Port: " + std::to_string(MSComm1_.CommPort());
+  form1_.sbrStatus.Panels[1] =
+      "Settings: " + MSComm1_.Settings() + "  Com Port: " + std::to_string(MSComm1_.CommPort());
   form1_.port_path = MSComm1_.device_path();
 }
 

@@ -40,8 +40,7 @@ std::vector<std::string_view> fields_of(std::string_view text) {
 }
 
 template <typename Value, std::size_t count>
-std::optional<Value> value_of(std::string_view field,
-                              const std::array<Word<Value>, count>& words) {
+std::optional<Value> value_of(std::string_view field, const std::array<Word<Value>, count>& words) {
   for (const auto& [word, value] : words) {
     if (word == field) return value;
   }

@@ -10,8 +10,7 @@
 namespace orvex {
 namespace {
 
-constexpr std::string_view default_line =
-    "PORTCOM=1;PORTSET=9600,n,8,1;SUPPSET=000000;\r\n";
+constexpr std::string_view default_line = "PORTCOM=1;PORTSET=9600,n,8,1;SUPPSET=000000;\r\n";
 constexpr std::size_t key_size = 8;
 /// A longer file is none that this tool wrote.
 constexpr std::size_t most_characters = 32767;
@@ -45,7 +44,7 @@ bool take_items(std::string_view text, PortState& state) {
 
 void repair(PortState& state) {
   // Without a file the tool goes on with the same values.
-  (void)platform::replace_file(state.IniPath, default_line);
+  (void)platform::replace_file(state.IniPath, default_line, platform::Links::replace);
   state.PortCom = "1";
   state.PortSet = "9600,n,8,1";
 }
@@ -63,7 +62,7 @@ bool save_ini(const PortState& state, int comm_port, std::string_view settings) 
   std::string line = "PORTCOM=" + std::to_string(comm_port) + ";PORTSET=";
   line += settings;
   line += ";SUPPSET=;\r\n";
-  return !platform::replace_file(state.IniPath, line);
+  return !platform::replace_file(state.IniPath, line, platform::Links::replace);
 }
 
 int stored_port(std::string_view port_com) {

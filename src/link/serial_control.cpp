@@ -19,7 +19,9 @@ constexpr Time room_poll = 5ms;
 /// A line that takes bytes without end still gives the window its turn.
 constexpr std::size_t most_in_one_step = 16384;
 
-RunTimeError invalid_value() { return {error_number::invalid_value, "Invalid property value"}; }
+RunTimeError invalid_value() {
+  return {error_number::invalid_value, "Invalid property value"};
+}
 
 std::int32_t as_count(std::uint64_t bytes) {
   constexpr auto most = std::numeric_limits<std::int32_t>::max();
@@ -94,7 +96,9 @@ void SerialControl::bytes_sent() {
   if (engine_) work_transfer();
 }
 
-void SerialControl::line_lost() { engine_.reset(); }
+void SerialControl::line_lost() {
+  engine_.reset();
+}
 
 std::optional<Time> SerialControl::due() const {
   if (!engine_) return std::nullopt;

@@ -19,7 +19,7 @@ std::filesystem::path state_folder();
 std::string device_of_port(int number, const std::filesystem::path& folder);
 
 enum class DeviceKind {
-  none,             ///< no character device
+  none,  ///< no character device
   serial_port,
   pseudo_terminal,  ///< carries neither parity nor 7 data bits nor DTR and RTS
 };
@@ -28,12 +28,22 @@ DeviceKind kind_of_device(const std::string& path);
 /// Bytes written to an open port that the system has not sent yet; 0 where it can't tell.
 std::size_t unsent_bytes(std::intptr_t port_handle);
 
+/// A descriptor that becomes readable when the system asks the process to end, as at a
+/// logout; -1 where it has no such way. Asked for once.
+int end_request();
+
 /// Hands a web address to the desktop's default handler as one argument and returns at once.
 void open_web_address(const std::string& address);
 
+enum class Links {
+  follow,   ///< a link stays a link, and its target is replaced
+  replace,  ///< a link gives way to the file: for folders in which others may set links
+};
+
 /// Replaces the file at `path` by one that holds `bytes`, whole or not at all: on an error, a full
-/// disk or a kill the old file stands as it was. A link stays a link, and its target is replaced.
-std::error_code replace_file(const std::filesystem::path& path, std::string_view bytes);
+/// disk or a kill the old file stands as it was.
+std::error_code replace_file(const std::filesystem::path& path, std::string_view bytes,
+                             Links links = Links::follow);
 
 /// A regular file open for reading. Folders, devices and pipes are refused and never waited for.
 class InputFile {
@@ -45,9 +55,9 @@ class InputFile {
 
   std::error_code open(const std::filesystem::path& path);
   void close();
-  std::uint64_t size() const { return size_; }              ///< bytes, when it was opened
-  std::int64_t modified() const { return modified_; }       ///< seconds since 1970 UTC
-  unsigned mode() const { return mode_; }                   ///< Unix mode bits with the file type
+  std::uint64_t size() const { return size_; }         ///< bytes, when it was opened
+  std::int64_t modified() const { return modified_; }  ///< seconds since 1970 UTC
+  unsigned mode() const { return mode_; }              ///< Unix mode bits with the file type
   /// Gives the number of bytes read from `offset` on; fewer than asked only at the file's end.
   std::size_t read(std::uint64_t offset, std::span<char> into, std::error_code& error);
 

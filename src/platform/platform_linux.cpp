@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <signal.h>
 #include <spawn.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
@@ -24,7 +25,9 @@ namespace orvex::platform {
 namespace fs = std::filesystem;
 namespace {
 
-std::error_code last_error() { return {errno, std::generic_category()}; }
+std::error_code last_error() {
+  return {errno, std::generic_category()};
+}
 
 /// Rank of the kind of port, and the number behind its name.
 struct PortOrder {
@@ -138,9 +141,21 @@ fs::path behind_links(fs::path path, std::error_code& error) {
   return path;
 }
 
+int end_request_writer = -1;  // a signal handler has nothing else to reach it by
+
+void tell_end_request(int /*signal*/) {
+  const int kept = errno;
+  if (::write(end_request_writer, "", 1) < 0) {
+    // A pipe that is full has been told.
+  }
+  errno = kept;
+}
+
 }  // namespace
 
-fs::path state_folder() { return ORVEX_STATE_DIR; }
+fs::path state_folder() {
+  return ORVEX_STATE_DIR;
+}
 
 std::vector<std::string> serial_ports(const fs::path& class_tty) {
   std::vector<std::pair<PortOrder, std::string>> found;
@@ -186,6 +201,17 @@ std::size_t unsent_bytes(std::intptr_t port_handle) {
   return static_cast<std::size_t>(count);
 }
 
+int end_request() {
+  int ends[2];
+  if (::pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0) return -1;
+  end_request_writer = ends[1];
+  struct sigaction action {};
+  action.sa_handler = tell_end_request;
+  action.sa_flags = SA_RESTART;
+  for (const int signal : {SIGHUP, SIGINT, SIGTERM}) ::sigaction(signal, &action, nullptr);
+  return ends[0];
+}
+
 void open_web_address(const std::string& address) {
   std::string program = "xdg-open";
   std::string argument = address;
@@ -202,10 +228,15 @@ void open_web_address(const std::string& address) {
   posix_spawn_file_actions_destroy(&actions);
 }
 
-std::error_code replace_file(const fs::path& name, std::string_view bytes) {
+std::error_code replace_file(const fs::path& name, std::string_view bytes, Links links) {
   std::error_code error;
-  const fs::path path = behind_links(name, error);
-  if (error) return error;
+  fs::path path = name;
+  if (links == Links::follow) {
+    path = behind_links(name, error);
+    if (error) return error;
+  } else if (fs::is_symlink(fs::symlink_status(name, error))) {
+    return write_beside_and_rename(name, bytes, std::nullopt);
+  }
   struct stat status {};
   if (::stat(path.c_str(), &status) != 0) {
     if (errno != ENOENT) return last_error();
@@ -221,7 +252,9 @@ std::error_code replace_file(const fs::path& name, std::string_view bytes) {
   return write_beside_and_rename(path, bytes, status);
 }
 
-InputFile::~InputFile() { close(); }
+InputFile::~InputFile() {
+  close();
+}
 
 std::error_code InputFile::open(const fs::path& path) {
   close();

@@ -94,8 +94,12 @@ constexpr FrameLayout layout[]{
 
 }  // namespace
 
-const std::array<Parameter, field_count>& parameters() { return table; }
+const std::array<Parameter, field_count>& parameters() {
+  return table;
+}
 
-std::span<const FrameLayout> frames() { return layout; }
+std::span<const FrameLayout> frames() {
+  return layout;
+}
 
 }  // namespace orvex

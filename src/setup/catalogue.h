@@ -9,8 +9,30 @@ namespace orvex {
 
 /// The scanner's parameters under the names of their tags, in the order in which they are written.
 enum class Field {
-  RSBAUD, RSPRTY, RSBITS, RSSTOP, RSDELY, RSCTSE, SPVOLU, PREFIX, PRECID, SUFFIX, SUFFCR, CD39EN,
-  CD39SS, CD128E, PDF417, MAG1EN, MAG2EN, MAG3EN, MAGLRC, MAGRAW, NOREAD, POWSET, SPPOWB, SPPARA,
+  RSBAUD,
+  RSPRTY,
+  RSBITS,
+  RSSTOP,
+  RSDELY,
+  RSCTSE,
+  SPVOLU,
+  PREFIX,
+  PRECID,
+  SUFFIX,
+  SUFFCR,
+  CD39EN,
+  CD39SS,
+  CD128E,
+  PDF417,
+  MAG1EN,
+  MAG2EN,
+  MAG3EN,
+  MAGLRC,
+  MAGRAW,
+  NOREAD,
+  POWSET,
+  SPPOWB,
+  SPPARA,
   SERIEN
 };
 inline constexpr std::size_t field_count = 25;
@@ -48,8 +70,8 @@ struct FrameLayout {
 };
 
 inline constexpr std::array<std::string_view, 9> tab_captions{
-    " Revision Numbers", "Power Saving", "RS232",  "Speaker Volume", "Prefix",
-    "Suffix",            "Linear Codes", "PDF417", "Magnetic Stripe"};
+    " Revision Numbers", "Power Saving", "RS232",          "Speaker Volume", "Prefix", "Suffix",
+    "Linear Codes",      "PDF417",       "Magnetic Stripe"};
 
 /// All 25 parameters, in the order of Field.
 const std::array<Parameter, field_count>& parameters();

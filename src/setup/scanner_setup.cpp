@@ -24,8 +24,12 @@ std::string value_text(const ScannerSetup& setup, const Parameter& row) {
   return row.field == Field::RSDELY ? delay_of(text) : text;
 }
 
-bool is_high_surrogate(char16_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
-bool is_low_surrogate(char16_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
+bool is_high_surrogate(char16_t unit) {
+  return unit >= 0xD800 && unit < 0xDC00;
+}
+bool is_low_surrogate(char16_t unit) {
+  return unit >= 0xDC00 && unit < 0xE000;
+}
 
 }  // namespace
 
@@ -49,7 +53,8 @@ std::vector<std::string> Setup_Tag_List(const ScannerSetup& setup) {
 
 std::u16string digits_only(std::u16string_view text) {
   std::u16string digits(text);
-  std::ranges::replace_if(digits, [](char16_t c) { return c < u'0' || c > u'9'; }, u'0');
+  std::ranges::replace_if(
+      digits, [](char16_t c) { return c < u'0' || c > u'9'; }, u'0');
   return digits;
 }
 

@@ -18,7 +18,9 @@ class ScannerSetup {
 
   /// Position of a choice field's value in its list.
   std::size_t choice(Field field) const { return choices_[index(field)]; }
-  std::string_view value(Field field) const { return parameter(field).choices[choice(field)].value; }
+  std::string_view value(Field field) const {
+    return parameter(field).choices[choice(field)].value;
+  }
   /// `position` must be one of the field's list.
   void choose(Field field, std::size_t position) { choices_[index(field)] = position; }
 

@@ -32,10 +32,8 @@ struct Query {
 };
 
 constexpr std::array revision_queries{
-    Query{"<APP1RV:>", "Error in App1 Rev"},
-    Query{"<APP2RV:>", "Error in App2 Rev"},
-    Query{"<HARDRV:>", "Error in Hardware Rev"},
-    Query{"<FINGER:>", "Error in Model Rev"},
+    Query{"<APP1RV:>", "Error in App1 Rev"},        Query{"<APP2RV:>", "Error in App2 Rev"},
+    Query{"<HARDRV:>", "Error in Hardware Rev"},    Query{"<FINGER:>", "Error in Model Rev"},
     Query{"<WEBSIT:>", "Error in Web information"},
 };
 

@@ -138,15 +138,21 @@ void Program::Text10_KeyUp() {
   text = digits_only(text);
 }
 
-void Program::mnuopen_Click() { orvex::mnuopen_Click(windows_, setup); }
+void Program::mnuopen_Click() {
+  orvex::mnuopen_Click(windows_, setup);
+}
 
-void Program::mnusave_Click() { orvex::mnusave_Click(windows_, setup); }
+void Program::mnusave_Click() {
+  orvex::mnusave_Click(windows_, setup);
+}
 
 void Program::mnuauto_Click() {
   exclusively([&] { orvex::mnuauto_Click(link_); });
 }
 
-void Program::mnumanual_Click() { orvex::mnumanual_Click(link_); }
+void Program::mnumanual_Click() {
+  orvex::mnumanual_Click(link_);
+}
 
 void Program::mnuload_Click(int Index) {
   constexpr int mark = 5;
@@ -172,17 +178,25 @@ void Program::Command3_Click() {
   form2.Modal = form2.Visible = false;
 }
 
-void Program::Form3_Command1_Click() { upgrade_.Command1_Click(); }
+void Program::Form3_Command1_Click() {
+  upgrade_.Command1_Click();
+}
 
-void Program::Form3_Close() { upgrade_.close(); }
+void Program::Form3_Close() {
+  upgrade_.close();
+}
 
 void Program::Form4_Command1_Click() {
   exclusively([&] { open_port_by_hand(link_); });
 }
 
-void Program::Form4_Command2_Click() { leave_manual_dialog(link_); }
+void Program::Form4_Command2_Click() {
+  leave_manual_dialog(link_);
+}
 
-void Program::Form4_Close() { close_manual_dialog(link_); }
+void Program::Form4_Close() {
+  close_manual_dialog(link_);
+}
 
 void Program::mnuexit_Click() {
   stop_transfer();

@@ -7,9 +7,9 @@
 namespace orvex {
 
 /// Asks the scanner for the revision of its Application 1 and warns before an image that is older,
-/// revisions being compared as the numbers that all their digits make. Gives 1 to go on, 0 where the
-/// query failed or the user turned the warning down. Throws a type mismatch where a revision is no
-/// number.
+/// revisions being compared as the numbers that all their digits make. Gives 1 to go on, 0 where
+/// the query failed or the user turned the warning down. Throws a type mismatch where a revision is
+/// no number.
 std::int16_t Check_Rev(ScannerLink& link);
 
 /// Moves the line to 115200 Bps where the menu's mark asks for it. Gives 1 when the load can go on

@@ -119,7 +119,9 @@ void Upgrade::FileProgress(std::int32_t done) {
   bar.Value = std::min(static_cast<float>(done), bar.Max);
 }
 
-bool Upgrade::active() const { return link_.forms.form3.Loaded || cancelling_ || after_verdict_; }
+bool Upgrade::active() const {
+  return link_.forms.form3.Loaded || cancelling_ || after_verdict_;
+}
 
 void Upgrade::load_image(const std::filesystem::path& path) {
   const auto header = Read_Image_Header(path);
@@ -162,8 +164,8 @@ void Upgrade::prepare_and_start(const std::filesystem::path& path) {
   {
     cancel_wanted_ = false;
     const While preparing(preparing_);
-    ready = Check_Rev(link_) == 1 && !left_by_user() && Fast_Load(link_) == 1 &&
-            !left_by_user() && link_.exchange.Send_Tag(load_tag) == 1;
+    ready = Check_Rev(link_) == 1 && !left_by_user() && Fast_Load(link_) == 1 && !left_by_user() &&
+            link_.exchange.Send_Tag(load_tag) == 1;
   }
   if (std::exchange(cancel_wanted_, false)) {
     cancel();
@@ -174,7 +176,9 @@ void Upgrade::prepare_and_start(const std::filesystem::path& path) {
   }
 }
 
-bool Upgrade::left_by_user() { return cancel_wanted_ || !link_.forms.form3.Loaded; }
+bool Upgrade::left_by_user() {
+  return cancel_wanted_ || !link_.forms.form3.Loaded;
+}
 
 void Upgrade::Start_Upload(const std::filesystem::path& path) {
   SerialControl& MSComm1 = link_.MSComm1;
@@ -221,11 +225,10 @@ void Upgrade::Timer2_Timer() {
 }
 
 void Upgrade::welcome_new_firmware() {
-  link_.windows.MsgBox(
-      {.text = "RESTART the scanner by DISCONNET and RECONNECT the power cable\r"
-               "then press OK to continue",
-       .icon = Icon::information,
-       .title = "Restart"});
+  link_.windows.MsgBox({.text = "RESTART the scanner by DISCONNET and RECONNECT the power cable\r"
+                                "then press OK to continue",
+                        .icon = Icon::information,
+                        .title = "Restart"});
   after_load_.mnuauto_Click();
   if (!link_.MSComm1.PortOpen()) return;
   link_.state.TimedOut = 0;

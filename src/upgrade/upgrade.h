@@ -55,8 +55,8 @@ class Upgrade {
   Timer Timer3_;
   int SavedRThreshold_ = 0;
   int SavedSThreshold_ = 0;
-  bool preparing_ = false;       ///< the exchanges ahead of the transfer run
-  bool cancel_wanted_ = false;   ///< the user cancelled inside one of them
+  bool preparing_ = false;      ///< the exchanges ahead of the transfer run
+  bool cancel_wanted_ = false;  ///< the user cancelled inside one of them
   bool cancelling_ = false;
   bool after_verdict_ = false;
 };

@@ -23,22 +23,19 @@ ZmodemEscape::ZmodemEscape(bool all_controls) {
 }
 
 void ZmodemEscape::append(std::string_view bytes, std::string& wire) {
-  const std::size_t start = wire.size();
-  wire.resize(start + 2 * bytes.size());
-  char* to = wire.data() + start;
-  unsigned char last = last_;
-  for (const char c : bytes) {
-    auto byte = static_cast<unsigned char>(c);
-    const Rule rule = rules_[byte];
-    if (rule == Rule::escaped || (rule == Rule::escaped_behind_at && (last & 0x7F) == 0x40)) {
-      *to++ = escape_byte;
-      byte = static_cast<unsigned char>(byte ^ turned_bit);
-    }
-    *to++ = static_cast<char>(byte);
-    last = byte;
+  const auto rule_of = [this](char c) { return rules_[static_cast<unsigned char>(c)]; };
+  while (!bytes.empty()) {
+    std::size_t plain = 0;
+    while (plain < bytes.size() && rule_of(bytes[plain]) == Rule::plain) ++plain;
+    append_plain(bytes.substr(0, plain), wire);
+    bytes.remove_prefix(plain);
+    if (bytes.empty()) return;
+    const bool kept = rule_of(bytes.front()) == Rule::escaped_behind_at && (last_ & 0x7F) != 0x40;
+    if (!kept) wire += escape_byte;
+    last_ = static_cast<unsigned char>(bytes.front()) ^ (kept ? 0U : turned_bit);
+    wire += static_cast<char>(last_);
+    bytes.remove_prefix(1);
   }
-  last_ = last;
-  wire.resize(static_cast<std::size_t>(to - wire.data()));
 }
 
 void ZmodemEscape::append_plain(std::string_view bytes, std::string& wire) {

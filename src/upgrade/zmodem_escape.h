@@ -23,7 +23,7 @@ class ZmodemEscape {
   enum class Rule : std::uint8_t { plain, escaped, escaped_behind_at };
 
   std::array<Rule, 256> rules_{};
-  unsigned char last_ = 0;  // on the wire
+  unsigned last_ = 0;  // byte on the wire
 };
 
 }  // namespace orvex

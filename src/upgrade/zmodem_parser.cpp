@@ -13,7 +13,9 @@ constexpr unsigned char escape_byte = 0x18;
 constexpr std::size_t crc16_body = 7;
 constexpr std::size_t crc32_body = 9;
 
-bool is_flow_control(unsigned char byte) { return (byte & 0x7F) == 0x11 || (byte & 0x7F) == 0x13; }
+bool is_flow_control(unsigned char byte) {
+  return (byte & 0x7F) == 0x11 || (byte & 0x7F) == 0x13;
+}
 
 std::optional<unsigned> hex_digit(unsigned char byte) {
   if (byte >= '0' && byte <= '9') return byte - unsigned{'0'};

@@ -20,20 +20,11 @@ constexpr Time silence_limit = milliseconds(14800);  // the end is to show withi
 constexpr Time end_limit = seconds(120);
 constexpr Time repeat_after = seconds(4);
 
-constexpr std::size_t largest_piece = 1024;
-constexpr std::size_t smallest_piece = 32;
 constexpr std::size_t piece_on_a_bad_line = 128;
 constexpr int attempts_on_a_good_line = 3;
-constexpr std::size_t largest_window = 4096;  // and largest segment
-constexpr std::uint32_t fast_line = 200000;
 constexpr std::size_t largest_batch = 16384;
 constexpr std::size_t longest_name = 255;
 constexpr std::size_t crc_step = 65536;
-
-std::size_t piece_for(std::uint32_t bits_per_second) {
-  if (bits_per_second == 0) return largest_piece;
-  return std::clamp<std::size_t>(bits_per_second / 8, smallest_piece, largest_piece);
-}
 
 }  // namespace
 
@@ -41,9 +32,7 @@ ZmodemSender::ZmodemSender(std::unique_ptr<FileSource> file, Time now,
                            std::uint32_t bits_per_second)
     : file_(std::move(file)),
       size_(file_->size()),
-      piece_(piece_for(bits_per_second)),
-      window_(bits_per_second > fast_line ? largest_window : 2 * piece_),
-      segment_(piece_ == largest_piece ? largest_window : 2 * piece_),
+      window_(bits_per_second),
       began_(now),
       last_sent_(now),
       last_heard_(now) {
@@ -57,7 +46,9 @@ std::uint64_t ZmodemSender::progress() const {
   return std::min(gained_, size_ - std::min<std::uint64_t>(size_, 1));
 }
 
-bool ZmodemSender::take_discard() { return std::exchange(discard_, false); }
+bool ZmodemSender::take_discard() {
+  return std::exchange(discard_, false);
+}
 
 void ZmodemSender::cancel(Time) {
   if (state_ == State::complete) {
@@ -100,7 +91,9 @@ std::string_view ZmodemSender::deadline_reason() const {
   return "the scanner takes the file too slowly";
 }
 
-Time ZmodemSender::repeat_time() const { return std::max(last_sent_, last_heard_) + repeat_after; }
+Time ZmodemSender::repeat_time() const {
+  return std::max(last_sent_, last_heard_) + repeat_after;
+}
 
 bool ZmodemSender::wants_repeat() const {
   if (phase_ == Phase::over || !pending_.empty() || header_due_ || crc_done_) return false;
@@ -132,14 +125,15 @@ void ZmodemSender::repeat() {
   if (phase_ == Phase::end && windowless_) {
     // What the receiver has is not known: at a wrong place it asks for the right one.
     phase_ = Phase::data;
-    offset_ = std::max(acknowledged_, size_ - std::min<std::uint64_t>(size_, piece_));
+    window_.go_back_to(
+        std::max(window_.acknowledged(), size_ - std::min<std::uint64_t>(size_, window_.piece())));
   } else if (phase_ == Phase::data) {
-    if (!segmented() && !ever_acknowledged_) windowless_ = ++unanswered_ > 1;
+    if (!segmented() && !window_.ever_acknowledged()) windowless_ = ++unanswered_ > 1;
     // An empty subpacket closes the frame of a receiver that heard it all; one that did not hear
     // the end of a subpacket finds a wrong check in it, and asks.
     if (frame_open_) append_subpacket({}, ZmodemEnd::frame, check(), escape_, pending_);
     frame_open_ = false;
-    offset_ = acknowledged_;
+    window_.go_back();
   } else {
     header_due_ = true;
   }
@@ -166,7 +160,8 @@ std::string ZmodemSender::transmit(std::size_t room, Time now) {
   pending_.erase(0, room);
   last_sent_ = now;
   if (!pending_.empty()) return out;
-  if (windowless_) gained(offset_, now);
+  window_.handed_over(now);
+  if (windowless_) gained(window_.offset(), now);
   if (phase_ == Phase::end && !std::exchange(end_sent_, true)) pace_deadline_ = now + end_limit;
   return out;
 }
@@ -174,94 +169,99 @@ std::string ZmodemSender::transmit(std::size_t room, Time now) {
 bool ZmodemSender::produce() {
   if (phase_ == Phase::over || crc_done_) return false;
   if (challenge_) {
-    append_header(ZmodemFrame::zack, *std::exchange(challenge_, std::nullopt));
+    append_hex_header(ZmodemFrame::zack, *std::exchange(challenge_, std::nullopt));
   } else if (crc_answer_) {
-    append_header(ZmodemFrame::zcrc, *std::exchange(crc_answer_, std::nullopt));
+    append_hex_header(ZmodemFrame::zcrc, *std::exchange(crc_answer_, std::nullopt));
   } else if (phase_ == Phase::data) {
     return produce_data();
   } else if (!std::exchange(header_due_, false)) {
     return false;
   } else if (phase_ == Phase::greeting) {
-    append_header(ZmodemFrame::zrqinit, 0);
+    append_hex_header(ZmodemFrame::zrqinit, 0);
   } else if (phase_ == Phase::offer) {
     append_offer();
   } else if (phase_ == Phase::farewell) {
-    append_header(ZmodemFrame::zfin, 0);
+    append_hex_header(ZmodemFrame::zfin, 0);
   } else {
     append_header(ZmodemFrame::zeof, size_);
   }
   return true;
 }
 
+void ZmodemSender::append_hex_header(ZmodemFrame frame, std::uint32_t value) {
+  escape_.append_plain(zmodem_hex_header({frame, value}), pending_);
+}
+
 void ZmodemSender::append_header(ZmodemFrame frame, std::uint64_t value) {
-  escape_.append_plain(zmodem_hex_header({frame, static_cast<std::uint32_t>(value)}), pending_);
+  append_binary_header({frame, static_cast<std::uint32_t>(value)}, check(), escape_, pending_);
 }
 
 void ZmodemSender::append_offer() {
   constexpr std::uint32_t binary_file = 0x01000000;  // ZCBIN in F0
   std::array<char, 64> facts{};
-  std::snprintf(facts.data(), facts.size(), "%llu %llo %o 0 1 %llu",
-                static_cast<unsigned long long>(size_),
+  std::snprintf(facts.data(), facts.size(), "%llu %llo %o", static_cast<unsigned long long>(size_),
                 static_cast<unsigned long long>(std::max<std::int64_t>(file_->modified(), 0)),
-                file_->mode(), static_cast<unsigned long long>(size_));
+                file_->mode());
   std::string offer = file_->name().substr(0, longest_name);
   std::erase(offer, '\0');
   offer += '\0';
   offer += facts.data();
   offer += '\0';
-  append_binary_header({ZmodemFrame::zfile, binary_file}, check(), escape_, pending_);
+  append_header(ZmodemFrame::zfile, binary_file);
   append_subpacket(offer, ZmodemEnd::wait, check(), escape_, pending_);
 }
 
 bool ZmodemSender::produce_data() {
   if (!may_send()) return false;
-  if (offset_ == size_) {
+  if (window_.offset() == size_) {
     phase_ = Phase::end;
     header_due_ = true;
     return produce();
   }
   if (!frame_open_) {
-    segment_end_ = segmented() ? std::min<std::uint64_t>(size_, offset_ + segment_limit()) : size_;
-    append_binary_header({ZmodemFrame::zdata, static_cast<std::uint32_t>(offset_)}, check(),
-                         escape_, pending_);
+    segment_end_ =
+        segmented() ? std::min<std::uint64_t>(size_, window_.offset() + segment_limit()) : size_;
+    append_header(ZmodemFrame::zdata, window_.offset());
   }
   const std::size_t length = next_piece();
-  const std::uint64_t end = offset_ + length;
+  const std::uint64_t end = window_.offset() + length;
   if (windowless_) return append_piece(length, end == size_ ? ZmodemEnd::frame : ZmodemEnd::ask);
   if (end == segment_end_) return append_piece(length, ZmodemEnd::wait);
-  return append_piece(length, segmented() ? ZmodemEnd::more : ZmodemEnd::ask);
+  const bool ask =
+      !segmented() && (window_.wants_answer(length) || attempts_ > attempts_on_a_good_line);
+  return append_piece(length, ask ? ZmodemEnd::ask : ZmodemEnd::more);
 }
 
 bool ZmodemSender::append_piece(std::size_t length, ZmodemEnd end) {
-  std::array<char, largest_piece> piece;
+  std::array<char, ZmodemWindow::largest_piece> piece;
   const auto bytes = std::span(piece).first(length);
-  if (!file_->read(offset_, bytes)) {
+  if (!file_->read(window_.offset(), bytes)) {
     fail("the file could not be read");
     discard_ = false;  // the driver has asked already: the cancel sequence follows what is queued
     return true;
   }
   append_subpacket({bytes.data(), bytes.size()}, end, check(), escape_, pending_);
   frame_open_ = end == ZmodemEnd::ask || end == ZmodemEnd::more;
-  offset_ += length;
-  sent_most_ = std::max(sent_most_, offset_);
+  window_.sent(length, end == ZmodemEnd::ask || end == ZmodemEnd::wait);
   return true;
 }
 
 std::size_t ZmodemSender::next_piece() const {
-  const std::size_t most = attempts_ > attempts_on_a_good_line ? piece_on_a_bad_line : piece_;
-  const std::uint64_t left = (segmented() && frame_open_ ? segment_end_ : size_) - offset_;
+  const std::size_t most =
+      attempts_ > attempts_on_a_good_line ? piece_on_a_bad_line : window_.piece();
+  const std::uint64_t left = (segmented() && frame_open_ ? segment_end_ : size_) - window_.offset();
   return static_cast<std::size_t>(std::min<std::uint64_t>({most, left, segment_limit()}));
 }
 
 std::size_t ZmodemSender::segment_limit() const {
-  if (receiver_.buffer == 0) return receiver_.overlapped ? segment_ : piece_;
-  return std::min(receiver_.buffer, segment_);
+  if (receiver_.buffer == 0) return receiver_.overlapped ? window_.segment() : window_.piece();
+  return std::min(receiver_.buffer, window_.segment());
 }
 
 bool ZmodemSender::may_send() const {
-  if (windowless_ || acknowledged_ == offset_) return true;
-  if (offset_ == size_) return false;
-  return segmented() ? frame_open_ : offset_ - acknowledged_ + next_piece() <= window_;
+  if (windowless_ || window_.acknowledged() == window_.offset()) return true;
+  if (window_.offset() == size_) return false;
+  return segmented() ? frame_open_ : window_.has_room(next_piece());
 }
 
 }  // namespace orvex

@@ -11,6 +11,7 @@
 #include "upgrade/zmodem_codec.h"
 #include "upgrade/zmodem_escape.h"
 #include "upgrade/zmodem_parser.h"
+#include "upgrade/zmodem_window.h"
 
 namespace orvex {
 
@@ -72,6 +73,7 @@ class ZmodemSender final : public FileEngine {
 
   // What goes out.
   bool produce();
+  void append_hex_header(ZmodemFrame frame, std::uint32_t value);
   void append_header(ZmodemFrame frame, std::uint64_t value);
   void append_offer();
   bool produce_data();
@@ -85,9 +87,7 @@ class ZmodemSender final : public FileEngine {
 
   const std::unique_ptr<FileSource> file_;
   const std::uint64_t size_;
-  const std::size_t piece_;    // bytes of the file in a subpacket, at most
-  const std::size_t window_;   // bytes of the file without an answer, at most
-  const std::size_t segment_;  // bytes of the file between two waits for an answer, at most
+  ZmodemWindow window_;
 
   State state_ = State::running;
   Phase phase_ = Phase::greeting;
@@ -101,16 +101,12 @@ class ZmodemSender final : public FileEngine {
   bool header_due_ = true;   // of the phase
   bool frame_open_ = false;  // the receiver expects a further subpacket
   bool end_sent_ = false;    // ZEOF was handed over whole
-  bool ever_acknowledged_ = false;
   int unanswered_ = 0;       // times that the first window stayed without an answer
   bool windowless_ = false;  // the receiver does not answer requests
 
-  std::uint64_t offset_ = 0;  // next byte to send
   std::uint64_t segment_end_ = 0;
-  std::uint64_t acknowledged_ = 0;  // the receiver has all bytes before this one
-  std::uint64_t sent_most_ = 0;     // the highest offset_ so far
-  std::uint64_t gained_ = 0;        // the highest acknowledged_ so far (windowless: handed over)
-  std::uint64_t pace_mark_ = 0;     // gained_ when pace_deadline_ was set
+  std::uint64_t gained_ = 0;     // the most acknowledged so far (windowless: handed over)
+  std::uint64_t pace_mark_ = 0;  // gained_ when pace_deadline_ was set
 
   std::uint64_t attempt_place_ = 0;
   int attempts_ = 0;  // to send from attempt_place_

@@ -88,7 +88,8 @@ void ZmodemSender::on_position(std::uint32_t place, Time now) {
     pace_deadline_ = now + pace_limit;
     header_due_ = false;
   }
-  if (unanswered_ > 0 && !ever_acknowledged_ && place > acknowledged_) windowless_ = true;
+  if (unanswered_ > 0 && !window_.ever_acknowledged() && place > window_.acknowledged())
+    windowless_ = true;
   gained(place, now);
   if (!count_attempt(place)) return;
   last_heard_ = now;
@@ -97,20 +98,18 @@ void ZmodemSender::on_position(std::uint32_t place, Time now) {
 
 void ZmodemSender::on_acknowledged(std::uint32_t place, Time now) {
   if (phase_ != Phase::data && phase_ != Phase::end) return;
-  if (place > sent_most_) return fail("the scanner acknowledged data that was never sent");
-  if (place <= acknowledged_ || place > offset_) return;  // overtaken by a ZRPOS
-  acknowledged_ = place;
-  ever_acknowledged_ = true;
+  if (place > window_.sent_most()) return fail("the scanner acknowledged data that was never sent");
+  if (!window_.acknowledge(place, now)) return;
   windowless_ = false;
   last_heard_ = now;
   gained(place, now);
 }
 
 void ZmodemSender::on_repeat_wish(Time now) {
-  if (!count_attempt(acknowledged_)) return;
+  if (!count_attempt(window_.acknowledged())) return;
   last_heard_ = now;
   if (phase_ == Phase::data) {
-    restart_at(acknowledged_);
+    restart_at(window_.acknowledged());
   } else {
     header_due_ = true;
   }
@@ -119,7 +118,7 @@ void ZmodemSender::on_repeat_wish(Time now) {
 void ZmodemSender::on_crc_wish(Time now) {
   if (phase_ == Phase::greeting || crc_done_ || !count_favour()) return;
   last_heard_ = now;
-  if (phase_ == Phase::data) restart_at(acknowledged_);
+  if (phase_ == Phase::data) restart_at(window_.acknowledged());
   if (phase_ == Phase::end) header_due_ = true;
   crc_ = 0;
   crc_done_ = 0;
@@ -169,8 +168,9 @@ void ZmodemSender::restart_at(std::uint64_t place) {
     discard_ = true;
   }
   phase_ = Phase::data;
-  offset_ = acknowledged_ = place;
-  sent_most_ = std::max(sent_most_, place);
+  window_.restart_at(place);
+  crc_done_.reset();
+  crc_answer_.reset();
   frame_open_ = false;
 }
 
@@ -181,7 +181,7 @@ void ZmodemSender::complete(Time now) {
   header_due_ = false;
   crc_done_.reset();
   crc_answer_.reset();
-  append_header(ZmodemFrame::zfin, 0);
+  append_hex_header(ZmodemFrame::zfin, 0);
   discard_ = false;
 }
 

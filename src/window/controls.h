@@ -30,8 +30,8 @@ struct Panel {
 
 /// What a text box holds besides its text.
 struct Caret {
-  int SelStart = 0;   ///< where the caret or the selection begins, in characters from 0
-  int SelLength = 0;  ///< characters selected
+  int SelStart = 0;           ///< where the caret or the selection begins, in characters from 0
+  int SelLength = 0;          ///< characters selected
   bool focus_wanted = false;  ///< set to hand the box the focus; cleared when it has it
 };
 

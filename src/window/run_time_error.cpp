@@ -21,8 +21,7 @@ constexpr std::array known_errors{
     KnownError{std::errc::io_error, error_number::device_error, "Device I/O error"},
     KnownError{std::errc::no_space_on_device, error_number::disk_full, "Disk full"},
     KnownError{std::errc::file_too_large, error_number::disk_full, "Disk full"},
-    KnownError{std::errc::permission_denied, error_number::permission_denied,
-               "Permission denied"},
+    KnownError{std::errc::permission_denied, error_number::permission_denied, "Permission denied"},
     KnownError{std::errc::operation_not_permitted, error_number::permission_denied,
                "Permission denied"},
     KnownError{std::errc::read_only_file_system, error_number::permission_denied,
@@ -30,8 +29,7 @@ constexpr std::array known_errors{
     KnownError{std::errc::no_such_device, error_number::disk_not_ready, "Disk not ready"},
     KnownError{std::errc::no_such_device_or_address, error_number::disk_not_ready,
                "Disk not ready"},
-    KnownError{std::errc::is_a_directory, error_number::path_file_access,
-               "Path/File access error"},
+    KnownError{std::errc::is_a_directory, error_number::path_file_access, "Path/File access error"},
     KnownError{std::errc::invalid_seek, error_number::path_file_access, "Path/File access error"},
     KnownError{std::errc::filename_too_long, error_number::path_file_access,
                "Path/File access error"},
@@ -42,9 +40,13 @@ constexpr std::array known_errors{
 
 }  // namespace
 
-RunTimeError overflow_error() { return {error_number::overflow, "Overflow"}; }
+RunTimeError overflow_error() {
+  return {error_number::overflow, "Overflow"};
+}
 
-RunTimeError type_mismatch_error() { return {error_number::type_mismatch, "Type mismatch"}; }
+RunTimeError type_mismatch_error() {
+  return {error_number::type_mismatch, "Type mismatch"};
+}
 
 RunTimeError port_not_open_error() {
   return {error_number::device_error, "The port is not open"};

@@ -30,6 +30,8 @@ void Timer::run() {
   tick_();
 }
 
-void Timer::restart() { due_ = clock_.now() + std::chrono::milliseconds(interval_); }
+void Timer::restart() {
+  due_ = clock_.now() + std::chrono::milliseconds(interval_);
+}
 
 }  // namespace orvex

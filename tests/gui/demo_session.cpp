@@ -46,7 +46,9 @@ class Session {
     QElapsedTimer clock;
     clock.start();
     pilot_.start();
-    say(QString("Scan: %1, after %2 s").arg(pilot_.panel(1)).arg(static_cast<double>(clock.elapsed()) / 1000));
+    say(QString("Scan: %1, after %2 s")
+            .arg(pilot_.panel(1))
+            .arg(static_cast<double>(clock.elapsed()) / 1000));
     if (!pilot_.find("cmdReceive")->isEnabled()) throw std::runtime_error("no scanner was found");
   }
 

@@ -31,10 +31,10 @@ class Fields : public testing::Test {
 TEST_F(Fields, a_received_tag_moves_the_option_button_and_a_click_changes_the_field) {
   for (const Parameter& row : parameters()) {
     for (std::size_t position = 0; position < row.choices.size(); ++position) {
-      auto* option = pilot_.find<QRadioButton>(
-          "Option" + QString::number(row.choices[position].option));
-      Apply_Tag(setup(), "<" + std::string(row.name) + "=" +
-                             std::string(row.choices[position].value) + ">");
+      auto* option =
+          pilot_.find<QRadioButton>("Option" + QString::number(row.choices[position].option));
+      Apply_Tag(setup(),
+                "<" + std::string(row.name) + "=" + std::string(row.choices[position].value) + ">");
       draw();
       EXPECT_TRUE(option->isChecked()) << option->objectName().toStdString();
       const std::size_t other = (position + 1) % row.choices.size();
@@ -97,8 +97,10 @@ TEST_F(Fields, a_pick_replaces_the_selection_and_hands_the_focus_back) {
     int caret;
   };
   const Pick picks[]{
-      {"", 0, 0, "CharList(2)", "[STX]", 5},      {"AB", 1, 0, "CharList(13)", "A[CR]B", 5},
-      {"ABCD", 1, 2, "CharList(13)", "A[CR]D", 5}, {"x", 1, 0, "CharList(127)", "x[DEL]", 6},
+      {"", 0, 0, "CharList(2)", "[STX]", 5},
+      {"AB", 1, 0, "CharList(13)", "A[CR]B", 5},
+      {"ABCD", 1, 2, "CharList(13)", "A[CR]D", 5},
+      {"x", 1, 0, "CharList(127)", "x[DEL]", 6},
   };
   pilot_.click("mnuPrefix");
   for (const Pick& pick : picks) {

@@ -74,9 +74,13 @@ void Pilot::type(const QString& name, const QString& keys, const QString& window
   QTest::keyClicks(&control, keys);
 }
 
-void Pilot::answer_next_box(const QString& button) { answers_.append(button); }
+void Pilot::answer_next_box(const QString& button) {
+  answers_.append(button);
+}
 
-void Pilot::choose_next_file(const QString& path) { files_.append(path); }
+void Pilot::choose_next_file(const QString& path) {
+  files_.append(path);
+}
 
 bool Pilot::wait_for(const std::function<bool()>& condition, int most_ms) {
   QElapsedTimer clock;

@@ -39,7 +39,8 @@ class Pilot {
   bool can_choose(const QString& name) const;
   QString panel(int number) const { return text(QString("sbrStatus.Panels(%1)").arg(number)); }
 
-  /// Works a button, an option button or a menu item, as a click does; returns when its job is over.
+  /// Works a button, an option button or a menu item, as a click does; returns when its job is
+  /// over.
   void click(const QString& name, const QString& window = "Form1");
   void type(const QString& name, const QString& keys, const QString& window = "Form1");
 

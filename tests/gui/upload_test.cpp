@@ -32,7 +32,8 @@ QByteArray content(const QString& path) {
 class Upload : public testing::Test {
  protected:
   explicit Upload()
-      : pilot_({"--rate", "9600", "--revision", "3.21", "--save-image", save_.filePath("saved.bin")}) {
+      : pilot_(
+            {"--rate", "9600", "--revision", "3.21", "--save-image", save_.filePath("saved.bin")}) {
     pilot_.start();
   }
 
@@ -62,7 +63,8 @@ TEST_F(Upload, an_image_arrives_byte_for_byte_and_the_new_revision_is_shown) {
   EXPECT_EQ(pilot_.panel(1).toStdString(), "Settings: 115200,N,8,1  Com Port: 1");
   EXPECT_EQ(pilot_.text("Text3", "Form3").toStdString(), " 3.30   ");
   const auto* bar = pilot_.find<QProgressBar>("ProgressBar1", "Form3");
-  ASSERT_TRUE(Pilot::wait_for([&] { return bar->isVisible() && bar->value() == image.size(); }, 20000));
+  ASSERT_TRUE(
+      Pilot::wait_for([&] { return bar->isVisible() && bar->value() == image.size(); }, 20000));
   ASSERT_TRUE(Pilot::wait_for([&] { return !content(save_.filePath("saved.bin")).isEmpty(); }));
   EXPECT_TRUE(content(save_.filePath("saved.bin")) == image) << "another file arrived";
 
@@ -87,13 +89,17 @@ TEST_F(Upload, a_cancel_ends_it_at_once_and_another_load_can_start) {
   EXPECT_FALSE(form3_up());
   EXPECT_EQ(pilot_.boxes().last().toStdString(),
             "Abort file transfer...: Do you want to CANCEL the file transfer?");
-  ASSERT_TRUE(Pilot::wait_for([&] {
-    pilot_.click("cmdReceive");
-    return pilot_.panel(2).isEmpty();
-  }, 15000)) << "the scanner is not back";
+  ASSERT_TRUE(Pilot::wait_for(
+      [&] {
+        pilot_.click("cmdReceive");
+        return pilot_.panel(2).isEmpty();
+      },
+      15000))
+      << "the scanner is not back";
   choose(make_image("3.31", 20 * 1024));
   pilot_.click("mnuload(2)");
-  EXPECT_TRUE(Pilot::wait_for([&] { return bar->isVisible() && bar->value() == 20 * 1024; }, 20000));
+  EXPECT_TRUE(
+      Pilot::wait_for([&] { return bar->isVisible() && bar->value() == 20 * 1024; }, 20000));
 }
 
 }  // namespace

@@ -125,12 +125,6 @@ TEST_F(ExchangeTest, the_reply_ends_at_the_first_line_end_and_the_rest_is_droppe
   EXPECT_EQ(forms.form1.labRevision[3].Caption, " 2.0B\r\n");
 }
 
-TEST_F(ExchangeTest, a_set_frame_with_a_colon_at_the_end_of_a_text_awaits_no_reply) {
-  EXPECT_EQ(send("<PREFIX=a:><SUFFIX=:>"), 1);
-  EXPECT_EQ(scanner.parameters["PREFIX"], "a:");
-  EXPECT_LT(now(), 1s);
-}
-
 TEST_F(ExchangeTest, replies_fill_their_labels_uncut_where_they_are_short) {
   struct {
     const char* tag;

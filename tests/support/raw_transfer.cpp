@@ -67,7 +67,10 @@ class Receiver final : public simulator::Loader {
   explicit Receiver(RawTransfer& transfer) : transfer_(transfer) {}
 
   void hear(std::string_view bytes, Time now) override {
-    bytes_ += bytes;
+    for (const char byte : bytes) {
+      const bool in_length = bytes_.size() < length_digits;
+      if (!in_length || (byte >= '0' && byte <= '9') || byte == cancel_sequence[0]) bytes_ += byte;
+    }
     const std::size_t got = bytes_.size() - std::min(bytes_.size(), length_digits);
     if (bytes_.ends_with(cancel_sequence)) {
       ++transfer_.cancelled;
@@ -97,7 +100,7 @@ class Receiver final : public simulator::Loader {
     if (finished_) return;
     finished_ = true;
     answer_ = letter;
-    answer_at_ = now + std::chrono::milliseconds(10);
+    answer_at_ = transfer_.ended = now + std::chrono::milliseconds(10);
   }
 
   RawTransfer& transfer_;

@@ -15,6 +15,7 @@ struct RawTransfer {
   std::optional<std::size_t> fails_at;   ///< the loader gives up at this byte
   int started = 0;
   int cancelled = 0;  ///< cancels that reached the loader
+  Time ended{};       ///< when the loader answered
 };
 
 /// The simplest protocol that moves a file: eight digits of length, the bytes, one letter back. It

@@ -1,6 +1,7 @@
 #include "support/virtual_line.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 #include "link/frame.h"
@@ -9,6 +10,10 @@ namespace orvex::test {
 namespace {
 
 constexpr int bits_in_byte = 10;
+
+using ParityName = std::pair<Parity, std::string_view>;
+constexpr std::array<ParityName, 3> parities{
+    {{Parity::none, "NONE"}, {Parity::odd, "ODD"}, {Parity::even, "EVEN"}}};
 
 Time byte_time(int rate) {
   return Time(1s) * bits_in_byte / rate;
@@ -124,11 +129,17 @@ bool VirtualLine::act() {
 
 LineSettings VirtualLine::scanner_settings() const {
   const auto& parameters = scanner_.parameters;
-  const auto parity = parameters["RSPRTY"] == "ODD"    ? Parity::odd
-                      : parameters["RSPRTY"] == "EVEN" ? Parity::even
-                                                       : Parity::none;
-  return {scanner_.rate(), parity, parameters["RSBITS"] == "7" ? 7 : 8,
+  const auto parity = std::ranges::find(parities, parameters["RSPRTY"], &ParityName::second);
+  return {scanner_.rate(), parity->first, parameters["RSBITS"] == "7" ? 7 : 8,
           parameters["RSSTOP"] == "2" ? 2 : 1};
+}
+
+void VirtualLine::match_scanner() {
+  const auto parity = std::ranges::find(parities, settings.parity, &ParityName::first);
+  scanner_.parameters.apply("<RSBAUD=" + std::to_string(settings.baud) +
+                            "><RSPRTY=" + std::string(parity->second) +
+                            "><RSBITS=" + std::to_string(settings.data_bits) +
+                            "><RSSTOP=" + std::to_string(settings.stop_bits) + ">");
 }
 
 void VirtualLine::start_next() {

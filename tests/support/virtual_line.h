@@ -30,6 +30,8 @@ class VirtualLine final : public Line, public Actor {
   /// The device goes away and comes back.
   void unplug();
   void plug() { plugged_ = true; }
+  /// Moves the scanner to the line's settings, as its own keys would.
+  void match_scanner();
   /// Puts bytes on the line to the tool as if the scanner had sent them, at the scanner's rate.
   void inject(std::string_view bytes) { put_on_way(bytes, scanner_settings()); }
 

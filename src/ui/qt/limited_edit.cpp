@@ -8,7 +8,9 @@ namespace orvex {
 namespace {
 
 /// A clipboard's line ends and other control characters, which no key gives.
-bool is_control(QChar c) { return c.unicode() < 0x20 || c.unicode() == 0x7F; }
+bool is_control(QChar c) {
+  return c.unicode() < 0x20 || c.unicode() == 0x7F;
+}
 
 /// `after` without the control characters that it has more than `before`.
 QString without_pasted_controls(const QString& before, const QString& after) {
@@ -16,7 +18,8 @@ QString without_pasted_controls(const QString& before, const QString& after) {
   const qsizetype shorter = std::min(before.size(), after.size());
   while (head < shorter && before[head] == after[head]) ++head;
   qsizetype tail = 0;
-  while (tail < shorter - head && before[before.size() - 1 - tail] == after[after.size() - 1 - tail]) {
+  while (tail < shorter - head &&
+         before[before.size() - 1 - tail] == after[after.size() - 1 - tail]) {
     ++tail;
   }
   QString inserted = after.mid(head, after.size() - head - tail);

@@ -1,5 +1,6 @@
 #include <QApplication>
 #include <QIcon>
+#include <QSocketNotifier>
 
 #include "platform/platform.h"
 #include "ui/qt/desktop.h"
@@ -15,5 +16,11 @@ int main(int argc, char* argv[]) {
   }
   QApplication::setWindowIcon(icon);
   orvex::Desktop desktop(orvex::platform::state_folder());
+  // A logout closes the port like the window's own close does.
+  QSocketNotifier end_request(orvex::platform::end_request(), QSocketNotifier::Read);
+  QObject::connect(&end_request, &QSocketNotifier::activated, &application, [&] {
+    end_request.setEnabled(false);
+    desktop.windows.handle([&] { desktop.program.Form_Unload(); });
+  });
   return desktop.run();
 }

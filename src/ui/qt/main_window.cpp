@@ -85,9 +85,8 @@ QWidget* MainWindow::make_tabs() {
                      [tabs](int tab) { tabs->setCurrentIndex(tab); });
   windows_.view.bind([&form1] { return form1.SSTab1.Enabled; },
                      [tabs](bool enabled) { tabs->setEnabled(enabled); });
-  connect(tabs, &QTabWidget::currentChanged, this, [this](int tab) {
-    windows_.handle([&] { program_.forms.form1.SSTab1.Tab = tab; });
-  });
+  connect(tabs, &QTabWidget::currentChanged, this,
+          [this](int tab) { windows_.handle([&] { program_.forms.form1.SSTab1.Tab = tab; }); });
   return tabs;
 }
 
@@ -119,9 +118,8 @@ void MainWindow::add_symbol_pickers(const std::vector<QWidget*>& pages) {
     grid->addWidget(button, 0, 1, Qt::AlignVCenter | Qt::AlignLeft);
     grid->addWidget(picker, below, 0, 1, 2, Qt::AlignLeft);
     grid->setColumnStretch(0, 1);
-    connect(button, &QPushButton::clicked, this, [this, toggle = parts.toggle] {
-      windows_.handle([&] { (program_.*toggle)(); });
-    });
+    connect(button, &QPushButton::clicked, this,
+            [this, toggle = parts.toggle] { windows_.handle([&] { (program_.*toggle)(); }); });
     windows_.view.bind([&record = parts.record] { return record.Visible; },
                        [picker](bool visible) { picker->setVisible(visible); });
   }
@@ -154,9 +152,8 @@ QHBoxLayout* MainWindow::make_buttons() {
     row->addWidget(button);
     windows_.view.bind([&record = parts.record] { return record.Enabled; },
                        [button](bool enabled) { button->setEnabled(enabled); });
-    connect(button, &QPushButton::clicked, this, [this, click = parts.click] {
-      windows_.handle([&] { (program_.*click)(); });
-    });
+    connect(button, &QPushButton::clicked, this,
+            [this, click = parts.click] { windows_.handle([&] { (program_.*click)(); }); });
   }
   return row;
 }

@@ -28,11 +28,12 @@ ManualDialog::ManualDialog(QtWindows& windows, Program& program, QWidget* parent
   column->addLayout(row);
   add_button(*row, "Command1", "&Open Port", &Program::Form4_Command1_Click);
   add_button(*row, "Command2", "&Cancel", &Program::Form4_Command2_Click);
-  windows.view.bind([&form4] { return form4.Visible; },
-                    [this](bool visible) { show_as(visible); });
+  windows.view.bind([&form4] { return form4.Visible; }, [this](bool visible) { show_as(visible); });
 }
 
-void ManualDialog::reject() { close(); }
+void ManualDialog::reject() {
+  close();
+}
 
 void ManualDialog::closeEvent(QCloseEvent* event) {
   if (windows_.ended()) return;

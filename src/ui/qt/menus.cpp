@@ -51,10 +51,14 @@ struct TabItem {
 };
 
 constexpr TabItem tab_items[]{
-    {"mnuSend", "Revision &Numbers"}, {"mnuPower", "P&ower Saving"},
-    {"mnuRs232", "&RS232"},           {"mnuSpeaker", "Speaker &Volume"},
-    {"mnuPrefix", "&Prefix"},         {"mnuSuffix", "&Suffix"},
-    {"mnuLinear", "&Linear Codes"},   {"mnuPDF417", "P&DF417"},
+    {"mnuSend", "Revision &Numbers"},
+    {"mnuPower", "P&ower Saving"},
+    {"mnuRs232", "&RS232"},
+    {"mnuSpeaker", "Speaker &Volume"},
+    {"mnuPrefix", "&Prefix"},
+    {"mnuSuffix", "&Suffix"},
+    {"mnuLinear", "&Linear Codes"},
+    {"mnuPDF417", "P&DF417"},
     {"mnuMagnetic", "&Magnetic Stripe"},
 };
 
@@ -71,17 +75,18 @@ void add_menus(QtWindows& windows, Program& program, QMenuBar& bar) {
   menus.item("mnuexit", "&Exit", [&] { program.mnuexit_Click(); });
 
   menus.menu("mnuSearchS", "&PC Port Setting");
-  menus.item("mnuauto", "&Auto Baud Detect", [&] { program.mnuauto_Click(); }, &form1.mnuauto);
-  menus.item("mnumanual", "&Manual Baud Setting...", [&] { program.mnumanual_Click(); },
-             &form1.mnumanual);
+  menus.item(
+      "mnuauto", "&Auto Baud Detect", [&] { program.mnuauto_Click(); }, &form1.mnuauto);
+  menus.item(
+      "mnumanual", "&Manual Baud Setting...", [&] { program.mnumanual_Click(); }, &form1.mnumanual);
 
   menus.menu("mnuupgrade", "&Upgrade");
   menus.item("mnuload(2)", "Load Application &1 File into ROM...",
              [&] { program.mnuload_Click(2); });
   menus.separator("mnuload(4)");
-  menus.mark(menus.item("mnuload(5)", "Auto Fast Load @ 115200 Bps",
-                        [&] { program.mnuload_Click(5); }),
-             form1.mnuload.at(5));
+  menus.mark(
+      menus.item("mnuload(5)", "Auto Fast Load @ 115200 Bps", [&] { program.mnuload_Click(5); }),
+      form1.mnuload.at(5));
 
   menus.menu("mnuTable", "&Table");
   int tab = 0;
@@ -92,7 +97,8 @@ void add_menus(QtWindows& windows, Program& program, QMenuBar& bar) {
 
   menus.menu("mnuhelp", "&Help");
   menus.item("mnutech", "&Support...", [] {})->setEnabled(false);
-  menus.item("mnuabout", "&About Orvex...", [&] { program.mnuabout_Click(); }, &form1.mnuabout);
+  menus.item(
+      "mnuabout", "&About Orvex...", [&] { program.mnuabout_Click(); }, &form1.mnuabout);
 }
 
 }  // namespace orvex

@@ -7,7 +7,9 @@
 namespace orvex {
 
 /// A picture of the program by its name; Qt picks the sharper one on a dense screen.
-inline QIcon icon(const QString& name) { return QIcon(":/pictures/" + name + ".png"); }
+inline QIcon icon(const QString& name) {
+  return QIcon(":/pictures/" + name + ".png");
+}
 
 /// The picture for a widget of this density.
 inline QPixmap picture(const QString& name, const QSize& size, qreal density) {

@@ -43,7 +43,9 @@ QtLine::QtLine(QtWindows& windows, std::filesystem::path links)
   connect(&port_, &QSerialPort::errorOccurred, this, &QtLine::error_occurred);
 }
 
-QtLine::~QtLine() { close(); }
+QtLine::~QtLine() {
+  close();
+}
 
 void QtLine::open(int com_port, const LineSettings& settings) {
   close();
@@ -90,8 +92,9 @@ void QtLine::apply(const LineSettings& settings) {
   bool form_taken =
       port_.setDataBits(settings.data_bits == 7 ? QSerialPort::Data7 : QSerialPort::Data8);
   form_taken = port_.setParity(parity_of(settings.parity)) && form_taken;
-  form_taken = port_.setStopBits(settings.stop_bits == 2 ? QSerialPort::TwoStop
-                                                         : QSerialPort::OneStop) && form_taken;
+  form_taken =
+      port_.setStopBits(settings.stop_bits == 2 ? QSerialPort::TwoStop : QSerialPort::OneStop) &&
+      form_taken;
   form_taken = port_.setFlowControl(QSerialPort::NoFlowControl) && form_taken;
   if (!rate_taken || (!form_taken && !pseudo_terminal_)) throw not_available(port_.errorString());
 }
@@ -107,7 +110,9 @@ std::string QtLine::read() {
   return {bytes.data(), static_cast<std::size_t>(bytes.size())};
 }
 
-std::size_t QtLine::waiting() const { return static_cast<std::size_t>(port_.bytesAvailable()); }
+std::size_t QtLine::waiting() const {
+  return static_cast<std::size_t>(port_.bytesAvailable());
+}
 
 std::size_t QtLine::unsent() const {
   if (!port_.isOpen()) return 0;
@@ -118,7 +123,9 @@ std::size_t QtLine::unsent_by_system() const {
   return platform::unsent_bytes(static_cast<std::intptr_t>(port_.handle()));
 }
 
-void QtLine::discard_unsent() { port_.clear(QSerialPort::Output); }
+void QtLine::discard_unsent() {
+  port_.clear(QSerialPort::Output);
+}
 
 void QtLine::error_occurred(QSerialPort::SerialPortError error) {
   const bool lost = error == QSerialPort::ReadError || error == QSerialPort::WriteError ||

@@ -21,7 +21,9 @@ constexpr double twips_in_inch = 1440;
 /// A wait that doesn't sleep draws no more often than this.
 constexpr Time draw_step = 10ms;
 
-double dots_per_inch() { return QGuiApplication::primaryScreen()->logicalDotsPerInch(); }
+double dots_per_inch() {
+  return QGuiApplication::primaryScreen()->logicalDotsPerInch();
+}
 
 QMessageBox::StandardButtons standard_buttons(Buttons buttons) {
   switch (buttons) {
@@ -64,9 +66,13 @@ Answer answer_of(const QMessageBox& box, Buttons buttons) {
 
 }  // namespace
 
-int pixels(int twips) { return qRound(twips * dots_per_inch() / twips_in_inch); }
+int pixels(int twips) {
+  return qRound(twips * dots_per_inch() / twips_in_inch);
+}
 
-int twips(int pixels) { return qRound(pixels * twips_in_inch / dots_per_inch()); }
+int twips(int pixels) {
+  return qRound(pixels * twips_in_inch / dots_per_inch());
+}
 
 QtWindows::QtWindows() {
   clock_.start();
@@ -75,7 +81,9 @@ QtWindows::QtWindows() {
   connect(&wake_, &QTimer::timeout, this, [this] { handle([this] { run_due(); }); });
 }
 
-Time QtWindows::now() const { return Time(clock_.nsecsElapsed()); }
+Time QtWindows::now() const {
+  return Time(clock_.nsecsElapsed());
+}
 
 void QtWindows::pump(Wait wait) {
   if (ended_) throw Ended{};

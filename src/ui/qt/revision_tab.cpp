@@ -40,8 +40,10 @@ QLabel* value_label(const char* name) {
 void add_revision_tab(QtWindows& windows, Program& program, QWidget& page) {
   Form1& form1 = program.forms.form1;
   const Row rows[]{
-      {"Label1(2)", "Application 1", "labRevision(1)", [&] { return std::cref(form1.labRevision[1]); }},
-      {"Label1(4)", "Application 2", "labRevision(2)", [&] { return std::cref(form1.labRevision[2]); }},
+      {"Label1(2)", "Application 1", "labRevision(1)",
+       [&] { return std::cref(form1.labRevision[1]); }},
+      {"Label1(4)", "Application 2", "labRevision(2)",
+       [&] { return std::cref(form1.labRevision[2]); }},
       {"Label1(3)", "Hardware", "labRevision(3)", [&] { return std::cref(form1.labRevision[3]); }},
       {"Label1(5)", "Model", "labRevision(4)", [&] { return std::cref(form1.labRevision[4]); }},
       {"Label3", "Serial Number", "Label4", [&] { return std::cref(form1.Label4); }},
@@ -68,9 +70,8 @@ void add_revision_tab(QtWindows& windows, Program& program, QWidget& page) {
   grid->setRowStretch(line + 1, 1);
   windows.view.bind([&form1] { return form1.cmdWeb.Enabled; },
                     [web](bool enabled) { web->setEnabled(enabled); });
-  QObject::connect(web, &QPushButton::clicked, &windows, [&windows, &program] {
-    windows.handle([&] { program.cmdWeb_Click(); });
-  });
+  QObject::connect(web, &QPushButton::clicked, &windows,
+                   [&windows, &program] { windows.handle([&] { program.cmdWeb_Click(); }); });
 }
 
 }  // namespace orvex

@@ -34,7 +34,9 @@ constexpr OptionPicture option_pictures[]{
 
 constexpr int picture_side = 24;
 
-QGridLayout& grid_of(QWidget& widget) { return *static_cast<QGridLayout*>(widget.layout()); }
+QGridLayout& grid_of(QWidget& widget) {
+  return *static_cast<QGridLayout*>(widget.layout());
+}
 
 const FrameLayout& frame_layout(std::string_view name) {
   return *std::ranges::find(frames(), name, &FrameLayout::name);
@@ -83,10 +85,10 @@ void SetupTabs::add_options(const Parameter& row) {
     button->setObjectName("Option" + QString::number(choice.option));
     group->addButton(button);
     button->setAccessibleDescription(to_qt(frame_layout(row.frame).caption));
-    const auto grid_row = static_cast<int>(columns == 2 && rows > 1 ? position % rows
-                                                                    : position / columns);
-    const auto column = static_cast<int>(columns == 2 && rows > 1 ? position / rows
-                                                                  : position % columns);
+    const auto grid_row =
+        static_cast<int>(columns == 2 && rows > 1 ? position % rows : position / columns);
+    const auto column =
+        static_cast<int>(columns == 2 && rows > 1 ? position / rows : position % columns);
     grid.addWidget(button, grid_row, column);
     add_picture(row, position, grid, grid_row);
     const Field field = row.field;
@@ -96,11 +98,10 @@ void SetupTabs::add_options(const Parameter& row) {
                      [&windows, &setup, field, position](bool on) {
                        if (on) windows.handle([&] { setup.choose(field, position); });
                      });
-    windows.view.bind(
-        [&setup, field, position] { return setup.choice(field) == position; },
-        [button](bool selected) {
-          if (selected) button->setChecked(true);
-        });
+    windows.view.bind([&setup, field, position] { return setup.choice(field) == position; },
+                      [button](bool selected) {
+                        if (selected) button->setChecked(true);
+                      });
   }
 }
 
@@ -112,7 +113,8 @@ void SetupTabs::add_picture(const Parameter& row, std::size_t position, QGridLay
   if (found == std::end(option_pictures)) return;
   auto* image = new QLabel;
   image->setObjectName(found->control);
-  image->setPixmap(picture(found->picture, {picture_side, picture_side}, image->devicePixelRatioF()));
+  image->setPixmap(
+      picture(found->picture, {picture_side, picture_side}, image->devicePixelRatioF()));
   grid.addWidget(image, grid_row, 1, Qt::AlignRight);
 }
 

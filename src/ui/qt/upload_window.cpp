@@ -58,9 +58,9 @@ class AnimationView final : public QWidget {
     if (strip_.isNull()) strip_ = whole_picture("upload-strip", density);
     QPainter painter(this);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawPixmap(QRectF(rect()), strip_,
-                       QRectF(0, cell_ * cell_height * density, cell_width * density,
-                              cell_height * density));
+    painter.drawPixmap(
+        QRectF(rect()), strip_,
+        QRectF(0, cell_ * cell_height * density, cell_width * density, cell_height * density));
   }
 
  private:
@@ -89,7 +89,9 @@ UploadWindow::UploadWindow(QtWindows& windows, Program& program, QWidget* parent
                     [this](bool visible) { setVisible(visible); });
 }
 
-void UploadWindow::reject() { close(); }
+void UploadWindow::reject() {
+  close();
+}
 
 void UploadWindow::closeEvent(QCloseEvent* event) {
   if (windows_.ended()) return;

@@ -8,8 +8,8 @@
 
 namespace orvex {
 
-/// Draws the windows' records: a list of values, each with what shows it. Only what has changed since
-/// it was last drawn is touched.
+/// Draws the windows' records: a list of values, each with what shows it. Only what has changed
+/// since it was last drawn is touched.
 class View {
  public:
   /// `get` gives a reference or a value of the record, `show` puts it on the screen.

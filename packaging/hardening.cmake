@@ -1,0 +1,17 @@
+# What Debian asks of every program: no address that is known beforehand, no linkage table that can
+# be written to, checked string functions. It has to come before the targets.
+if(NOT CMAKE_SYSTEM_NAME STREQUAL "Linux")
+  return()
+endif()
+
+include(CheckPIESupported)
+check_pie_supported(LANGUAGES CXX)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+# The same sources give the same program in every folder.
+add_compile_options("-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.")
+if(NOT ORVEX_SANITIZE)
+  add_compile_options(-fstack-protector-strong
+    "$<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
+  add_link_options(-Wl,-z,relro,-z,now)
+endif()

@@ -1,0 +1,171 @@
+#include "setupfiles/setup_files.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+
+#include "setup/apply.h"
+#include "setupfiles/symbols.h"
+#include "support/temporary_folder.h"
+#include "support/virtual_windows.h"
+
+namespace orvex::test {
+namespace {
+
+struct SetupFilesTest : testing::Test {
+  void save(const std::filesystem::path& path) {
+    windows.files.emplace_back(path);
+    mnusave_Click(windows, setup);
+  }
+  void open(const std::filesystem::path& path) {
+    windows.files.emplace_back(path);
+    mnuopen_Click(windows, setup);
+  }
+
+  VirtualWindows windows;
+  TemporaryFolder folder;
+  ScannerSetup setup;
+};
+
+TEST_F(SetupFilesTest, a_file_holds_24_tags_in_their_order) {
+  const auto path = folder / "any name";
+  save(path);
+  const std::string text = content(path);
+  EXPECT_TRUE(
+      text.starts_with("\x01<RSBAUD=9600>\x04\x01<RSPRTY=NONE>\x04\x01<RSBITS=8>\x04"
+                       "\x01<RSSTOP=1>\x04\x01<RSDELY=>\x04\x01<SPVOLU=MEDIUM>\x04"));
+  EXPECT_TRUE(text.ends_with("\x01<SERIEN=0>\x04"));
+  EXPECT_EQ(std::ranges::count(text, '\x01'), 24);
+  EXPECT_EQ(text.find("RSCTSE"), std::string::npos);
+  EXPECT_EQ(windows.dialog_titles, std::vector<std::string>{"Select a TXT file"});
+}
+
+TEST_F(SetupFilesTest, a_thousand_random_setups_survive_saving_and_opening) {
+  std::mt19937 random(20240611);
+  const auto pick = [&](std::size_t count) { return random() % count; };
+  const auto path = folder / "setup.txt";
+  for (int round = 0; round < 1000; ++round) {
+    ScannerSetup saved;
+    for (const auto& row : parameters()) {
+      if (!row.is_text()) saved.choose(row.field, pick(row.choices.size()));
+    }
+    for (const Field field : {Field::PREFIX, Field::SUFFIX}) {
+      // Every character that a keyboard gives, and each of them at the ends of a text too.
+      for (std::size_t i = pick(41); i > 0; --i) {
+        const auto printable = static_cast<char16_t>(0x20 + pick(0xE0));
+        saved.text(field) += printable >= 0x7F && printable < 0xA0 ? u'>' : printable;
+      }
+    }
+    if (pick(2) == 1)
+      saved.text(Field::RSDELY) =
+          digits_only(std::u16string(3, static_cast<char16_t>(u'0' + pick(10))));
+    const bool by_file = round % 50 == 0;  // a file on the disk takes its time
+    setup = saved;
+    if (by_file) save(path);
+    setup = ScannerSetup();
+    setup.choose(Field::RSCTSE, saved.choice(Field::RSCTSE));
+    if (by_file) open(path);
+    if (!by_file) Apply_Stream(setup, setup_file_text(saved), [] {});
+    ASSERT_EQ(setup, saved) << round;
+  }
+}
+
+TEST_F(SetupFilesTest, what_is_no_frame_changes_nothing) {
+  const std::string frame = "\x01<CD39EN=1>\x04";
+  const struct {
+    std::string text;
+    bool applied;
+  } table[]{{"", false},
+            {"x", false},
+            {"\x01", false},
+            {"a whole letter\r\nwith <CD39EN=1> in it\r\n", false},
+            {frame, true},
+            {frame + "\r\n" + "\x01<SPVOLU=LOUD>\x04\r\n", true},
+            {frame + "\x01<CD39EN=0>", true},
+            {std::string("\0\0\xFF", 3) + frame, true}};
+  for (const auto& row : table) {
+    setup = ScannerSetup();
+    ScannerSetup expected;
+    if (row.applied) expected.choose(Field::CD39EN, 1);
+    open(folder.write("file", row.text));
+    EXPECT_EQ(setup, expected) << row.text;
+  }
+  EXPECT_EQ(windows.box_texts(), "");
+}
+
+TEST_F(SetupFilesTest, a_delay_comes_back_with_its_three_digits) {
+  setup.text(Field::RSDELY) = u"7";
+  save(folder / "delay");
+  EXPECT_EQ(setup.text(Field::RSDELY), u"7");
+  open(folder / "delay");
+  EXPECT_EQ(setup.text(Field::RSDELY), u"007");
+}
+
+TEST_F(SetupFilesTest, the_text_is_fixed_before_the_dialog_appears) {
+  windows.file_dialog_time = 1s;
+  windows.at(500ms, [&] { setup.choose(Field::SPVOLU, 0); });
+  save(folder / "file");
+  EXPECT_NE(content(folder / "file").find("<SPVOLU=MEDIUM>"), std::string::npos);
+}
+
+TEST_F(SetupFilesTest, a_cancelled_dialog_shows_nothing_and_a_failure_one_box) {
+  windows.files = {std::nullopt, std::nullopt};
+  mnusave_Click(windows, setup);
+  mnuopen_Click(windows, setup);
+  EXPECT_EQ(windows.box_texts(), "");
+  folder.write("blocker", "x");
+  const ScannerSetup before = setup;
+  save(folder.path());
+  save(folder / "missing/file");
+  open(folder / "missing");
+  open(folder / "blocker/file");
+  open("/dev/null");
+  EXPECT_EQ(windows.box_texts(),
+            "[Error # 75 Path/File access error][Error # 76 Path not found]"
+            "[Error # 53 File not found][Error # 76 Path not found]"
+            "[Error # 75 Path/File access error]");
+  for (const auto& shown : windows.boxes) {
+    EXPECT_EQ(shown.box.icon, Icon::critical);
+    EXPECT_EQ(shown.box.title, "Error");
+    EXPECT_EQ(shown.box.buttons, Buttons::ok);
+  }
+  EXPECT_EQ(setup, before);
+}
+
+TEST(Symbols, replace_the_selection_and_leave_the_caret_behind_them) {
+  const struct {
+    const char16_t* text;
+    int start;
+    int length;
+    const char* name;
+    const char16_t* result;
+    int caret;
+  } table[]{{u"", 0, 0, "STX", u"[STX]", 5},     {u"AB", 1, 0, "CR", u"A[CR]B", 5},
+            {u"ABCD", 1, 2, "CR", u"A[CR]D", 5}, {u"AB", 2, 0, "DEL", u"AB[DEL]", 7},
+            {u"AB", 0, 2, "NUL", u"[NUL]", 5},   {u"AB", 9, 9, "FF", u"AB[FF]", 6},
+            {u"AB", -1, 1, "FF", u"[FF]B", 4}};
+  for (const auto& row : table) {
+    std::u16string text = row.text;
+    Caret box{row.start, row.length};
+    Insert_Symbol(text, box, row.name);
+    EXPECT_EQ(text, row.result);
+    EXPECT_EQ(box.SelStart, row.caret);
+    EXPECT_EQ(box.SelLength, 0);
+    EXPECT_TRUE(box.focus_wanted);
+  }
+}
+
+TEST(Symbols, stand_under_their_codes) {
+  std::string names;
+  for (const auto& symbol : control_symbols()) {
+    names += std::to_string(symbol.index) + std::string(symbol.name) + " ";
+  }
+  EXPECT_EQ(names,
+            "0NUL 1SOH 2STX 3ETX 4EOT 5ENQ 6ACK 7BEL 8BS 9HT 10LF 11VT 12FF 13CR 14SO 15SI 16DLE "
+            "17DC1 18DC2 19DC3 20DC4 21NAK 22SYN 23ETB 24CAN 25EM 26SUB 27ESC 28FS 29GS 30RS 31US "
+            "127DEL ");
+}
+
+}  // namespace
+}  // namespace orvex::test

@@ -1,0 +1,355 @@
+#include "upgrade/upgrade.h"
+
+#include <gtest/gtest.h>
+
+#include "support/desk.h"
+
+namespace orvex::test {
+namespace {
+
+constexpr int load_item = 2;
+constexpr int fast_item = 5;
+const std::string question = "[Do You Want to Update the ROM?]";
+const std::string cancel_question = "[Do you want to CANCEL the file transfer?]";
+const std::string restart_box =
+    "[RESTART the scanner by DISCONNET and RECONNECT the power cable/then press OK to continue]";
+
+std::string image(std::size_t size, const std::string& version = "4.00   ") {
+  std::string bytes(size, '\0');
+  for (std::size_t i = 0; i < size; ++i) bytes[i] = static_cast<char>(i * 7);
+  bytes.replace(48, 8, "00001234").replace(64, 4, "BEEF");
+  return bytes.replace(80, 7, version).replace(96, 11, "01 Jan 2026");
+}
+
+struct UpgradeTest : testing::Test, Desk {
+  UpgradeTest() {
+    start();
+    line.frames.clear();
+    scanner.options.restarts_itself = true;
+  }
+  /// The load of an image up to the return of the click, with Yes to the question.
+  void load(std::size_t size = 2000) {
+    windows.files = {folder.write("image.bin", image(size))};
+    windows.answers.push_front({Answer::yes});
+    press(&Program::mnuload_Click, load_item);
+  }
+  void choose_fast_load() { press(&Program::mnuload_Click, fast_item); }
+  void cancel_at(Time time) {
+    windows.at(time, [&] {
+      windows.answers.push_front({Answer::yes});
+      program.Form3_Command1_Click();
+    });
+  }
+  Form3& form3() { return program.forms.form3; }
+};
+
+TEST_F(UpgradeTest, a_complete_load_ends_in_restart_scan_and_receive) {
+  scanner.options.start_up_rate = 4800;
+  const std::string bytes = image(2000);
+  windows.answers = {{Answer::ok, 3s}};
+  load();
+  EXPECT_EQ(form3().Text1, " 00001234");
+  EXPECT_EQ(form3().Text2, " BEEF");
+  EXPECT_EQ(form3().Text3, " 4.00   ");
+  EXPECT_EQ(form3().Text4, " 01 Jan 2026");
+  EXPECT_EQ(line.texts(), "<APP1RV:><A1CODE=Z>");
+  EXPECT_EQ(panel(2), "");
+  EXPECT_EQ(buttons(), "SRFW");
+  windows.idle(20s);
+  EXPECT_EQ(scanner.loaded_file(), bytes);
+  EXPECT_EQ(windows.box_texts(), question + restart_box);
+  EXPECT_EQ(windows.boxes[1].box.icon, Icon::information);
+  EXPECT_EQ(windows.boxes[1].box.title, "Restart");
+  EXPECT_GE(windows.boxes[1].at - transfer.ended, 7s);
+  EXPECT_LE(windows.boxes[1].at - transfer.ended, 8s);
+  EXPECT_FALSE(form3().Loaded);
+  EXPECT_EQ(panel(1), "Settings: 4800,N,8,1  Com Port: 1");
+  EXPECT_EQ(form1().labRevision[1].Caption, " 4.00   ");
+  EXPECT_EQ(form1().Label4.Caption, "0004711\r\n");
+  EXPECT_FALSE(form1().Timer1.Enabled());
+}
+
+TEST_F(UpgradeTest, a_fast_load_changes_the_rate_between_the_query_and_the_load_tag) {
+  choose_fast_load();
+  load(20000);
+  ASSERT_EQ(line.frames.size(), 3U);
+  const std::pair<std::string, int> wire[]{
+      {"<APP1RV:>", 9600}, {"<RSBAUD=115200>", 9600}, {"<A1CODE=Z>", 115200}};
+  for (std::size_t i = 0; i < 3; ++i) {
+    EXPECT_EQ(line.frames[i].text, wire[i].first);
+    EXPECT_EQ(line.frames[i].baud, wire[i].second);
+  }
+  EXPECT_EQ(program.setup.value(Field::RSBAUD), "9600");
+  windows.idle(20s);
+  EXPECT_EQ(scanner.loaded_file(), image(20000));
+  EXPECT_EQ(panel(1), "Settings: 9600,N,8,1  Com Port: 1");
+}
+
+TEST_F(UpgradeTest, the_bar_and_the_pictures_follow_the_transfer) {
+  load(4000);
+  windows.idle(1950ms);
+  EXPECT_TRUE(form3().ProgressBar1.Visible);
+  EXPECT_EQ(form3().ProgressBar1.Max, 4000);
+  EXPECT_GT(form3().ProgressBar1.Value, 1000);
+  EXPECT_LT(form3().ProgressBar1.Value, 4000);
+  EXPECT_EQ(form3().Picture1, 1) << "nineteen ticks over eighteen cells";
+  windows.idle(5s);
+  EXPECT_EQ(form3().ProgressBar1.Value, 4000);
+}
+
+TEST_F(UpgradeTest, a_cancel_in_any_phase_closes_the_window_and_leaves_a_link_that_works) {
+  const struct {
+    const char* phase;
+    Time at;           ///< behind the click on the menu
+    const char* slow;  ///< tag that is answered late, to hold the load there
+    bool fast;
+    const char* wire;
+  } table[]{
+      {"question", 50ms, "none", false, ""},
+      {"query", 500ms, "<APP1RV:>", false, "<APP1RV:>"},
+      {"query, fast", 500ms, "<APP1RV:>", true, "<APP1RV:>"},
+      {"rate", 500ms, "<RSBAUD=115200>", true, "<APP1RV:><RSBAUD=115200><RSBAUD=9600>"},
+      {"load tag", 500ms, "<A1CODE", false, "<APP1RV:><A1CODE=Z>"},
+      {"load tag, fast", 500ms, "<A1CODE", true,
+       // The loader waits for a file and doesn't know the last tag.
+       "<APP1RV:><RSBAUD=115200><A1CODE=Z><RSBAUD=9600><RSBAUD=9600><RSBAUD=9600>"},
+      {"transfer", 1s, "none", false, "<APP1RV:><A1CODE=Z>"},
+      {"transfer, fast", 300ms, "none", true, "<APP1RV:><RSBAUD=115200><A1CODE=Z><RSBAUD=9600>"},
+  };
+  for (const auto& row : table) {
+    SCOPED_TRACE(row.phase);
+    Desk desk;
+    desk.start();
+    desk.line.frames.clear();
+    if (row.fast) desk.press(&Program::mnuload_Click, fast_item);
+    desk.scanner.faults = {.only = row.slow, .late_acks = 1, .late_by = 900ms};
+    desk.windows.files = {desk.folder.write("image.bin", image(20000))};
+    desk.windows.answers = {{Answer::yes, 100ms}, {Answer::yes}};
+    desk.windows.at(desk.now() + row.at, [&] { desk.program.Form3_Command1_Click(); });
+    desk.press(&Program::mnuload_Click, load_item);
+    desk.windows.idle(20s);
+    EXPECT_FALSE(desk.program.forms.form3.Loaded);
+    EXPECT_EQ(desk.windows.box_texts(), question + cancel_question);
+    EXPECT_EQ(desk.line.texts(), row.wire);
+    EXPECT_EQ(desk.line.settings.baud, 9600);
+    desk.scanner.faults = {};
+    desk.scanner.restart();
+    desk.windows.answers = {{Answer::cancel}};
+    desk.press(&Program::mnuauto_Click);
+    desk.press(&Program::cmdReceive_Click);
+    EXPECT_EQ(desk.panel(2), "");
+  }
+}
+
+TEST_F(UpgradeTest, a_cancel_while_all_settles_is_one_all_the_same) {
+  scanner.options.restarts_itself = false;  // deaf, so that telling it the old rate takes 3 s
+  choose_fast_load();
+  load(500);
+  cancel_at(now() + 6s);
+  windows.idle(20s);
+  EXPECT_EQ(windows.box_texts(), question + cancel_question);
+  EXPECT_FALSE(form3().Loaded);
+  EXPECT_EQ(panel(1), "Settings: 115200,N,8,1  Com Port: 1");
+  EXPECT_EQ(panel(2), "TIME OUT COUNT = 2");
+  EXPECT_EQ(line.settings.baud, 9600);
+}
+
+TEST_F(UpgradeTest, no_to_the_cancel_changes_nothing_and_the_verdict_takes_the_question_down) {
+  load(500);
+  windows.answers = {{Answer::no, 500ms}, {Answer::yes, 60s}};
+  windows.at(now() + 100ms, [&] { program.Form3_Command1_Click(); });
+  windows.at(now() + 3s, [&] { program.Form3_Command1_Click(); });
+  windows.idle(20s);
+  EXPECT_EQ(windows.box_texts(), question + cancel_question + cancel_question + restart_box);
+  EXPECT_EQ(windows.boxes[2].answer, Answer::no);
+  EXPECT_EQ(form1().labRevision[1].Caption, " 4.00   ");
+}
+
+TEST_F(UpgradeTest, a_load_that_the_scanner_gives_up_ends_in_silence) {
+  transfer.fails_at = 400;
+  choose_fast_load();
+  load();
+  windows.idle(10s);
+  EXPECT_FALSE(form3().Loaded);
+  EXPECT_EQ(windows.box_texts(), question);
+  EXPECT_EQ(line.settings.baud, 115200) << "only a cancel goes back";
+}
+
+TEST_F(UpgradeTest, a_stalled_load_stands_until_the_user_ends_it) {
+  transfer.stalls_at = 100;
+  load();
+  cancel_at(now() + 2h);
+  windows.idle(3h);
+  EXPECT_EQ(windows.box_texts(), question + cancel_question);
+  EXPECT_FALSE(form3().Loaded);
+  EXPECT_EQ(transfer.cancelled, 1);
+}
+
+TEST_F(UpgradeTest, a_line_lost_in_the_transfer_ends_in_silence_and_the_next_scan_tells) {
+  load();
+  windows.at(now() + 1s, [&] { line.unplug(); });
+  windows.idle(12s);
+  EXPECT_FALSE(form3().Loaded);
+  EXPECT_EQ(windows.box_texts(), question);
+}
+
+TEST_F(UpgradeTest, ends_before_the_transfer_close_the_window_and_say_no_more_than_they_must) {
+  const struct {
+    const char* name;
+    const char* image_name;
+    std::string version;
+    const char* fails;  ///< tag that the scanner refuses
+    Answer answer;
+    std::string boxes;
+    const char* wire;
+  } table[]{
+      {"no", "image", "4.00   ", "", Answer::no, question, ""},
+      {"query", "image", "4.00   ", "<APP1RV", Answer::yes, question,
+       "<APP1RV:><APP1RV:><APP1RV:>"},
+      {"rate", "image", "4.00   ", "<RSBAUD", Answer::yes, question,
+       "<APP1RV:><RSBAUD=115200><RSBAUD=115200><RSBAUD=115200>"},
+      {"load tag", "image", "4.00   ", "<A1CODE", Answer::yes, question,
+       "<APP1RV:><RSBAUD=115200><A1CODE=Z><A1CODE=Z><A1CODE=Z>"},
+      {"no number", "image", "four   ", "", Answer::yes, question + "[Error # 13 Type mismatch]",
+       "<APP1RV:>"},
+      {"too short", "short", "", "", Answer::yes, "", ""},
+      {"missing", "missing", "", "", Answer::yes, "[Error # 53 File not found]", ""},
+      {"no folder", "image/x", "", "", Answer::yes, "[Cannot open the drive]", ""},
+      {"folder", ".", "", "", Answer::yes, "[Error # 75 Path/File access error]", ""},
+      {"cancelled", "", "", "", Answer::yes, "", ""},
+  };
+  choose_fast_load();
+  folder.write("short", std::string(108, '1'));
+  for (const auto& row : table) {
+    SCOPED_TRACE(row.name);
+    windows.boxes.clear();
+    line.frames.clear();
+    scanner.faults = {.only = row.fails, .refused = *row.fails != '\0' ? 3 : 0};
+    if (!row.version.empty()) folder.write("image", image(300, row.version));
+    windows.files = {*row.image_name != '\0' ? std::optional(folder / row.image_name)
+                                             : std::nullopt};
+    windows.answers = {{row.answer}};
+    press(&Program::mnuload_Click, load_item);
+    EXPECT_EQ(windows.box_texts(), row.boxes);
+    EXPECT_EQ(line.texts(), row.wire);
+    EXPECT_FALSE(form3().Loaded);
+    EXPECT_EQ(transfer.started, 0);
+    windows.idle(10s);
+  }
+  EXPECT_EQ(line.settings.baud, 115200) << "nothing sets the rate back behind a refused load tag";
+}
+
+TEST_F(UpgradeTest, an_image_that_goes_before_the_transfer_ends_in_a_box) {
+  windows.files = {folder.write("image.bin", image(500))};
+  windows.answers = {{Answer::yes, 1s}};
+  windows.at(now() + 500ms, [&] { std::filesystem::remove(folder / "image.bin"); });
+  press(&Program::mnuload_Click, load_item);
+  EXPECT_EQ(windows.box_texts(), question + "[Error # 53 File not found]");
+  EXPECT_FALSE(form3().Loaded);
+  windows.idle(10s);
+  EXPECT_EQ(windows.boxes.size(), 2U);
+}
+
+TEST_F(UpgradeTest, nothing_else_starts_while_a_load_runs) {
+  load(4000);
+  const auto before = line.frames.size();
+  for (const auto handler :
+       {&Program::cmdSend_Click, &Program::cmdReceive_Click, &Program::cmdFactory_Click,
+        &Program::mnuauto_Click, &Program::Form4_Command1_Click}) {
+    press(handler);
+  }
+  press(&Program::mnuload_Click, load_item);
+  EXPECT_EQ(line.frames.size(), before);
+  EXPECT_EQ(windows.dialog_titles.size(), 1U);
+  EXPECT_EQ(buttons(), "SRFW");
+  windows.idle(20s);
+  EXPECT_EQ(scanner.loaded_file().size(), 4000U);
+}
+
+TEST_F(UpgradeTest, a_cancel_without_saved_settings_closes_the_window_all_the_same) {
+  load();
+  choose_fast_load();
+  cancel_at(now() + 500ms);
+  windows.idle(1s);
+  EXPECT_FALSE(form3().Loaded);
+  EXPECT_EQ(line.texts(), "<APP1RV:><A1CODE=Z>");
+}
+
+TEST_F(UpgradeTest, a_scan_that_finds_nothing_after_the_load_ends_it_there) {
+  scanner.options.restarts_itself = false;  // nobody restarts it, so it stays deaf
+  load(500);
+  windows.answers = {{Answer::cancel}};
+  windows.idle(20s);
+  EXPECT_EQ(windows.box_texts(), question + restart_box + "[Connection Failed]");
+  EXPECT_FALSE(line.is_open());
+  EXPECT_EQ(line.frames.size(), 10U) << "a query, a load tag and eight pings";
+}
+
+TEST_F(UpgradeTest, the_window_close_control_stops_the_transfer) {
+  load();
+  windows.at(now() + 700ms, [&] { program.Form3_Close(); });
+  windows.idle(10s);
+  EXPECT_EQ(transfer.cancelled, 1);
+  EXPECT_FALSE(form3().Loaded);
+  EXPECT_EQ(windows.box_texts(), question);
+  press(&Program::cmdReceive_Click);
+  EXPECT_EQ(panel(2), "");
+}
+
+TEST_F(UpgradeTest, the_process_can_end_at_any_moment_of_a_load) {
+  for (const bool menu : {false, true}) {
+    for (Time after = 0ms; after < 14s; after += 470ms) {
+      Desk desk;
+      desk.start();
+      desk.scanner.options.restarts_itself = true;
+      desk.windows.files = {desk.folder.write("image.bin", image(2000))};
+      desk.windows.answers = {{Answer::yes, 400ms}, {Answer::ok, 2s}};
+      const Time moment = desk.now() + after;
+      desk.windows.at(moment,
+                      [&] { menu ? desk.program.mnuexit_Click() : desk.program.Form_Unload(); });
+      desk.press(&Program::mnuload_Click, load_item);
+      desk.windows.idle(after + 1s);
+      EXPECT_TRUE(desk.windows.ended);
+      EXPECT_LE(desk.now(), moment + 150ms) << "the cancel sequence has no more time";
+      EXPECT_EQ(desk.line.is_open(), menu && desk.line.opens > 0) << after.count();
+    }
+  }
+}
+
+struct UploadWindowTest : testing::Test, Bench {
+  Upgrade upgrade{link, {}};
+};
+
+TEST_F(UploadWindowTest, a_count_never_overshoots_and_none_is_never_complete) {
+  ProgressBar& bar = forms.form3.ProgressBar1;
+  upgrade.FileProgress(5);
+  EXPECT_EQ(bar.Value, 0) << "there is no window to show it";
+  forms.form3.Loaded = true;
+  bar.Visible = false;
+  upgrade.FileProgress(0);
+  EXPECT_TRUE(bar.Visible);
+  EXPECT_EQ(bar.Max, 1);
+  EXPECT_EQ(bar.Value, 0);
+  upgrade.FileProgress(5);
+  EXPECT_EQ(bar.Value, 1);
+}
+
+TEST_F(UploadWindowTest, the_data_events_are_off_while_it_stands_and_come_back) {
+  MSComm1.RThreshold(3);
+  MSComm1.SThreshold(4);
+  for (const Answer answer : {Answer::no, Answer::yes}) {
+    scanner.faults.refused = simulator::always;
+    windows.files = {folder.write("image.bin", image(200))};
+    windows.answers = {{answer, 1s}};
+    windows.at(now() + 500ms, [&] {
+      EXPECT_EQ(MSComm1.RThreshold(), 0);
+      EXPECT_EQ(MSComm1.SThreshold(), 0);
+    });
+    upgrade.mnuload_Click(load_item);
+    EXPECT_EQ(MSComm1.RThreshold(), 3);
+    EXPECT_EQ(MSComm1.SThreshold(), 4);
+  }
+}
+
+}  // namespace
+}  // namespace orvex::test

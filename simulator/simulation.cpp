@@ -30,13 +30,6 @@ Time now() {
   return std::chrono::steady_clock::now().time_since_epoch();
 }
 
-/// A frame as a terminal may show it: control and 8-bit characters as dots.
-std::string printable(std::string text) {
-  std::ranges::replace_if(
-      text, [](unsigned char c) { return c < 0x20 || c > 0x7E; }, '.');
-  return text;
-}
-
 }  // namespace
 
 Simulation::Simulation(const ProgramOptions& options)

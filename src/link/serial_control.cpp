@@ -120,7 +120,7 @@ void SerialControl::require_open() const {
 void SerialControl::start_transfer() {
   require_open();
   if (protocol_ != zmodem) throw invalid_value();
-  engine_ = make_engine_(file_name_, clock_.now());
+  engine_ = make_engine_(file_name_, parse_settings(settings_).value().baud, clock_.now());
   file_total_ = as_count(engine_->total());
   progress_told_ = 0;
   work_transfer();

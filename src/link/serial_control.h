@@ -14,9 +14,10 @@
 
 namespace orvex {
 
-/// Gives the engine that sends the file at `path`. Throws RunTimeError where it can't be read.
-using EngineFactory =
-    std::function<std::unique_ptr<FileEngine>(const std::filesystem::path& path, Time now)>;
+/// Gives the engine that sends the file at `path` on a line of this rate in bits a second. Throws
+/// RunTimeError where the file can't be read.
+using EngineFactory = std::function<std::unique_ptr<FileEngine>(const std::filesystem::path& path,
+                                                                int rate, Time now)>;
 
 /// The serial control `MSComm1`: the properties and events of one COM port, and a file transfer.
 /// A failure of a property access is thrown as RunTimeError.

@@ -117,7 +117,7 @@ void Pilot::look_for_dialogs() {
 
 bool Pilot::answer_box() {
   auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-  if (box == nullptr) return false;
+  if (box == nullptr || boxes_are_left_) return false;
   if (answers_.isEmpty()) {
     boxes_.append("unexpected box: " + box->text());
     box->reject();

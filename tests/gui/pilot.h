@@ -48,6 +48,8 @@ class Pilot {
   void answer_next_box(const QString& button);
   /// Types this path into the next file dialog and accepts it.
   void choose_next_file(const QString& path);
+  /// From now on boxes stand until something else takes them down.
+  void leave_boxes_alone() { boxes_are_left_ = true; }
   /// Texts of all message boxes that were answered, oldest first.
   QStringList boxes() const { return boxes_; }
 
@@ -59,6 +61,8 @@ class Pilot {
   QString scanner_log();
 
   QString folder() const { return folder_.path(); }
+  /// Takes the tool down as the end of its process does.
+  void end_tool() { desktop_.reset(); }
   Desktop& desktop() { return *desktop_; }
 
  private:
@@ -75,6 +79,7 @@ class Pilot {
   QStringList answers_;
   QStringList files_;
   QStringList boxes_;
+  bool boxes_are_left_ = false;
 };
 
 }  // namespace orvex

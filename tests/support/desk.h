@@ -24,7 +24,7 @@ struct Surroundings {
             make_loader ? std::move(make_loader) : [this](Time) { return raw_loader(transfer); }) {}
 
   EngineFactory raw_engine() {
-    return [this](const std::filesystem::path& path, Time) {
+    return [this](const std::filesystem::path& path, int, Time) {
       return raw_sender(open_image(path), transfer);
     };
   }

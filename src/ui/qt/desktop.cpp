@@ -12,8 +12,9 @@ Desktop::Desktop(const std::filesystem::path& state_folder)
     : line(windows, state_folder),
       program(
           windows, line,
-          [](const std::filesystem::path& path, Time now) -> std::unique_ptr<FileEngine> {
-            return std::make_unique<ZmodemSender>(open_image(path), now);
+          [](const std::filesystem::path& path, int rate, Time now) -> std::unique_ptr<FileEngine> {
+            return std::make_unique<ZmodemSender>(open_image(path), now,
+                                                  static_cast<std::uint32_t>(rate));
           },
           state_folder),
       main_window(windows, program),

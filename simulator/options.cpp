@@ -60,7 +60,7 @@ constexpr std::array program_options{
            }},
     Option{"--start-rate N", "rate after a restart with new firmware, 9600 unless told",
            [](P o, V v) { o.scanner.start_up_rate = rate_of(v); }},
-    Option{"--paced", "answers take the time that their bytes need on a line",
+    Option{"--paced", "bytes take their time on the line, both ways",
            [](P o, V) { o.paced = true; }},
     Option{"--fault NAME[=VALUE]", "a fault from the start on; may stand more than once",
            [](P o, V v) {

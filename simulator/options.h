@@ -15,7 +15,7 @@ struct ProgramOptions {
   Options scanner;
   int rate = 9600;
   Faults faults;
-  bool paced = false;           ///< answers take the time that their bytes need on a line
+  bool paced = false;           ///< bytes take their time on the line, both ways
   bool manual_restart = false;  ///< a loaded file waits for the command `restart`
   std::filesystem::path save_image;
   std::string receiver = "rz";

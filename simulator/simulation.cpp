@@ -26,6 +26,10 @@ std::string printable(std::string text) {
   return text;
 }
 
+Time time_of_byte(int rate) {
+  return Time(1s) * bits_in_byte / rate;
+}
+
 Time now() {
   return std::chrono::steady_clock::now().time_since_epoch();
 }
@@ -46,6 +50,7 @@ void Simulation::run(const volatile std::sig_atomic_t& stop) {
               scanner_.rate());
   while (stop == 0 && wait()) {
     listen();
+    hear_what_is_through();
     speak();
     look_after_load();
     look_after_line();
@@ -61,6 +66,7 @@ std::optional<Time> Simulation::next_moment() const {
   auto next = scanner_.due();
   const auto consider = [&](Time time) { next = next ? std::min(*next, time) : time; };
   if (!outgoing_.empty()) consider(next_byte_at_);
+  if (!incoming_.empty()) consider(incoming_.front().at);
   if (scanner_.waits_for_restart() && !options_.manual_restart) {
     consider(last_heard_ + quiet_before_restart);
   }
@@ -93,7 +99,24 @@ void Simulation::listen() {
     line_rate_ = rate;
     std::printf("the PC talks at %d\n", rate);
   }
-  scanner_.hear(bytes, line_rate_, last_heard_);
+  for (const char byte : bytes) {
+    incoming_free_at_ = std::max(incoming_free_at_, last_heard_);
+    if (options_.paced && line_rate_ > 0) incoming_free_at_ += time_of_byte(line_rate_);
+    incoming_.push_back({byte, line_rate_, incoming_free_at_});
+  }
+}
+
+void Simulation::hear_what_is_through() {
+  const Time at = now();
+  while (!incoming_.empty() && incoming_.front().at <= at) {
+    const int rate = incoming_.front().rate;
+    std::string bytes;
+    while (!incoming_.empty() && incoming_.front().at <= at && incoming_.front().rate == rate) {
+      bytes += incoming_.front().byte;
+      incoming_.pop_front();
+    }
+    scanner_.hear(bytes, rate, at);
+  }
   for (const auto& frame : scanner_.frames) std::printf("heard %s\n", printable(frame).c_str());
   scanner_.frames.clear();
 }
@@ -103,7 +126,7 @@ void Simulation::speak() {
     const int rate = scanner_.rate();
     const auto bytes = scanner_.say(now());
     if (bytes.empty()) break;
-    if (outgoing_.empty()) next_byte_at_ = now();
+    if (outgoing_.empty()) next_byte_at_ = now() + time_of_byte(rate);
     for (const char byte : bytes) outgoing_.push_back({byte, rate});
   }
   send_outgoing();
@@ -116,7 +139,7 @@ void Simulation::send_outgoing() {
   while (!outgoing_.empty() && (!options_.paced || next_byte_at_ <= at)) {
     const Outgoing next = outgoing_.front();
     outgoing_.pop_front();
-    if (options_.paced) next_byte_at_ += Time(1s) * bits_in_byte / next.rate;
+    if (!outgoing_.empty()) next_byte_at_ += time_of_byte(outgoing_.front().rate);
     if (next.rate == line_rate || scanner_.faults.junk_at_wrong_rate) ready += next.byte;
   }
   device_.write(ready);

@@ -24,11 +24,18 @@ class Simulation {
     char byte;
     int rate;
   };
+  /// A byte from the PC and the moment at which a line would have brought it.
+  struct Incoming {
+    char byte;
+    int rate;
+    Time at;
+  };
 
   std::unique_ptr<Loader> make_loader(Time now);
   std::optional<Time> next_moment() const;
   bool wait();
   void listen();
+  void hear_what_is_through();
   void speak();
   void send_outgoing();
   void look_after_line();
@@ -41,6 +48,8 @@ class Simulation {
   CommandConsole console_;
   std::deque<Outgoing> outgoing_;
   Time next_byte_at_{};
+  std::deque<Incoming> incoming_;
+  Time incoming_free_at_{};
   Time last_heard_{};
   int line_rate_ = 0;
   bool loading_ = false;

@@ -46,9 +46,7 @@ std::string zmodem_hex_header(const ZmodemHeader& header) {
   constexpr std::string_view digits = "0123456789abcdef";
   std::string raw = raw_header(header);
   raw += check_bytes(raw, ZmodemCheck::crc16);
-  std::string wire =
-      "**\x18"
-      "B";
+  std::string wire = "**\030B";
   for (const char c : raw) {
     const auto byte = static_cast<unsigned char>(c);
     wire += digits[byte >> 4];
@@ -61,11 +59,7 @@ std::string zmodem_hex_header(const ZmodemHeader& header) {
 
 void append_binary_header(const ZmodemHeader& header, ZmodemCheck check, ZmodemEscape& escape,
                           std::string& wire) {
-  escape.append_plain(check == ZmodemCheck::crc16 ? "*\x18"
-                                                    "A"
-                                                  : "*\x18"
-                                                    "C",
-                      wire);
+  escape.append_plain(check == ZmodemCheck::crc16 ? "*\030A" : "*\030C", wire);
   const std::string raw = raw_header(header);
   escape.append(raw, wire);
   escape.append(check_bytes(raw, check), wire);

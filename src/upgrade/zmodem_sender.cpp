@@ -20,8 +20,7 @@ constexpr Time silence_limit = milliseconds(14800);  // the end is to show withi
 constexpr Time end_limit = seconds(120);
 constexpr Time repeat_after = seconds(4);
 
-constexpr std::size_t piece_on_a_bad_line = 128;
-constexpr int attempts_on_a_good_line = 3;
+constexpr std::size_t careful_piece = 128;
 constexpr std::size_t largest_batch = 16384;
 constexpr std::size_t longest_name = 255;
 constexpr std::size_t crc_step = 65536;
@@ -129,9 +128,6 @@ void ZmodemSender::repeat() {
         std::max(window_.acknowledged(), size_ - std::min<std::uint64_t>(size_, window_.piece())));
   } else if (phase_ == Phase::data) {
     if (!segmented() && !window_.ever_acknowledged()) windowless_ = ++unanswered_ > 1;
-    // An empty subpacket closes the frame of a receiver that heard it all; one that did not hear
-    // the end of a subpacket finds a wrong check in it, and asks.
-    if (frame_open_) append_subpacket({}, ZmodemEnd::frame, check(), escape_, pending_);
     frame_open_ = false;
     window_.go_back();
   } else {
@@ -159,8 +155,8 @@ std::string ZmodemSender::transmit(std::size_t room, Time now) {
   std::string out = pending_.substr(0, room);
   pending_.erase(0, room);
   last_sent_ = now;
+  window_.handed_over(out.size(), now);
   if (!pending_.empty()) return out;
-  window_.handed_over(now);
   if (windowless_) gained(window_.offset(), now);
   if (phase_ == Phase::end && !std::exchange(end_sent_, true)) pace_deadline_ = now + end_limit;
   return out;
@@ -227,8 +223,7 @@ bool ZmodemSender::produce_data() {
   const std::uint64_t end = window_.offset() + length;
   if (windowless_) return append_piece(length, end == size_ ? ZmodemEnd::frame : ZmodemEnd::ask);
   if (end == segment_end_) return append_piece(length, ZmodemEnd::wait);
-  const bool ask =
-      !segmented() && (window_.wants_answer(length) || attempts_ > attempts_on_a_good_line);
+  const bool ask = !segmented() && (window_.wants_answer(length) || careful());
   return append_piece(length, ask ? ZmodemEnd::ask : ZmodemEnd::more);
 }
 
@@ -247,8 +242,7 @@ bool ZmodemSender::append_piece(std::size_t length, ZmodemEnd end) {
 }
 
 std::size_t ZmodemSender::next_piece() const {
-  const std::size_t most =
-      attempts_ > attempts_on_a_good_line ? piece_on_a_bad_line : window_.piece();
+  const std::size_t most = careful() ? std::min(careful_piece, window_.piece()) : window_.piece();
   const std::uint64_t left = (segmented() && frame_open_ ? segment_end_ : size_) - window_.offset();
   return static_cast<std::size_t>(std::min<std::uint64_t>({most, left, segment_limit()}));
 }

@@ -17,15 +17,14 @@ namespace orvex {
 
 /// Sends one file by ZMODEM.
 ///
-/// A receiver that answers while it receives, and names no buffer limit, is asked for an answer
-/// behind each piece; no more than 2 KiB (4 KiB on a line faster than 200 kbit/s) are sent without
-/// one. Any other receiver gets segments that fit its buffer and waits out each. Memory: a few KiB,
-/// whatever the size of the file. No call takes longer than it takes to read and encode 64 KiB.
+/// A receiver that answers while it receives, and names no buffer limit, is asked for answers all
+/// along: no more than 2 KiB (4 KiB on a fast line) are sent without one. Any other receiver gets
+/// segments that fit its buffer, at most 4 KiB, and the answer to each is waited for. Memory: some
+/// 100 KiB at most, whatever the size of the file. No call reads or encodes more than 64 KiB.
 class ZmodemSender final : public FileEngine {
  public:
-  /// `bits_per_second` is the rate of the line (0: not known). Below 8,200 the pieces get smaller,
-  /// so that each takes about one second; a piece has 32 to 1024 bytes. A file of 4 GiB and more
-  /// fails at once: positions have 32 bits.
+  /// `bits_per_second` is the rate of the line (0: not known); see ZmodemWindow. A file of 4 GiB
+  /// and more fails at once: positions have 32 bits.
   explicit ZmodemSender(std::unique_ptr<FileSource> file, Time now,
                         std::uint32_t bits_per_second = 115200);
 
@@ -80,6 +79,7 @@ class ZmodemSender final : public FileEngine {
   bool append_piece(std::size_t length, ZmodemEnd end);
   std::size_t next_piece() const;
   bool may_send() const;
+  bool careful() const { return window_.offset() < careful_until_; }
   bool segmented() const { return !receiver_.full_duplex || segment_limited(); }
   bool segment_limited() const { return !receiver_.overlapped || receiver_.buffer > 0; }
   std::size_t segment_limit() const;
@@ -109,8 +109,9 @@ class ZmodemSender final : public FileEngine {
   std::uint64_t pace_mark_ = 0;  // gained_ when pace_deadline_ was set
 
   std::uint64_t attempt_place_ = 0;
-  int attempts_ = 0;  // to send from attempt_place_
-  int favours_ = 0;   // ZCRC and ZCHALLENGE answered
+  std::uint64_t careful_until_ = 0;  // a bad line gets small pieces up to there
+  int attempts_ = 0;                 // to send from attempt_place_
+  int favours_ = 0;                  // ZCRC and ZCHALLENGE answered
   std::optional<std::uint32_t> challenge_;
   std::optional<std::uint64_t> crc_done_;  // bytes the running computation has covered
   std::optional<std::uint32_t> crc_answer_;

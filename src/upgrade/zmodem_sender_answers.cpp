@@ -17,6 +17,8 @@ constexpr std::uint64_t pace_bytes = 1024;
 constexpr Time earlier_transfer = milliseconds(500);
 constexpr int most_attempts = 10;
 constexpr int most_favours = 10;
+constexpr int attempts_on_a_good_line = 3;
+constexpr std::uint64_t careful_stretch = 16384;
 
 // Eight CAN end the receiver's transfer; ten BS take them back from a terminal.
 constexpr std::string_view cancel_sequence = "\x18\x18\x18\x18\x18\x18\x18\x18\b\b\b\b\b\b\b\b\b\b";
@@ -99,7 +101,7 @@ void ZmodemSender::on_position(std::uint32_t place, Time now) {
 void ZmodemSender::on_acknowledged(std::uint32_t place, Time now) {
   if (phase_ != Phase::data && phase_ != Phase::end) return;
   if (place > window_.sent_most()) return fail("the scanner acknowledged data that was never sent");
-  if (!window_.acknowledge(place, now)) return;
+  if (!window_.acknowledge(place)) return;
   windowless_ = false;
   last_heard_ = now;
   gained(place, now);
@@ -142,6 +144,7 @@ void ZmodemSender::on_cancelled(Time now) {
 bool ZmodemSender::count_attempt(std::uint64_t place) {
   attempts_ = place == attempt_place_ ? attempts_ + 1 : 1;
   attempt_place_ = place;
+  if (attempts_ > attempts_on_a_good_line) careful_until_ = place + careful_stretch;
   if (attempts_ < most_attempts) return true;
   fail("the scanner asked for the same data again and again");
   return false;
@@ -169,8 +172,6 @@ void ZmodemSender::restart_at(std::uint64_t place) {
   }
   phase_ = Phase::data;
   window_.restart_at(place);
-  crc_done_.reset();
-  crc_answer_.reset();
   frame_open_ = false;
 }
 

@@ -6,7 +6,7 @@ namespace orvex {
 namespace {
 
 constexpr std::uint32_t fast_rate = 200000;
-constexpr Time fast_answer = std::chrono::milliseconds(10);
+constexpr std::uint32_t usual_rate = 115200;
 constexpr std::size_t smallest_piece = 32;
 
 std::size_t piece_for(std::uint32_t bits_per_second) {
@@ -17,15 +17,17 @@ std::size_t piece_for(std::uint32_t bits_per_second) {
 }  // namespace
 
 ZmodemWindow::ZmodemWindow(std::uint32_t bits_per_second)
-    : fast_rate_(bits_per_second > fast_rate),
+    : fast_(bits_per_second > fast_rate),
+      byte_time_(Time(std::chrono::seconds(10)) /
+                 (bits_per_second == 0 ? usual_rate : bits_per_second)),
       piece_(piece_for(bits_per_second)),
-      fast_(fast_rate_) {}
+      large_(fast_) {}
 
 void ZmodemWindow::restart_at(std::uint64_t place) {
   offset_ = asked_ = acknowledged_ = place;
+  if (place < sent_most_) repeated_ = true;
   sent_most_ = std::max(sent_most_, place);
-  timed_since_.reset();
-  fast_ = fast_rate_;
+  large_ = fast_;
 }
 
 void ZmodemWindow::sent(std::size_t length, bool answer_asked) {
@@ -34,20 +36,16 @@ void ZmodemWindow::sent(std::size_t length, bool answer_asked) {
   sent_most_ = std::max(sent_most_, offset_);
 }
 
-void ZmodemWindow::handed_over(Time now) {
-  if (timed_since_ || asked_ != offset_) return;
-  timed_place_ = offset_;
-  timed_since_ = now;
+void ZmodemWindow::handed_over(std::size_t bytes, Time now) {
+  if (ever_acknowledged_ && now > busy_until_) ran_dry();
+  busy_until_ = std::max(busy_until_, now) + byte_time_ * static_cast<std::int64_t>(bytes);
 }
 
-bool ZmodemWindow::acknowledge(std::uint64_t place, Time now) {
+bool ZmodemWindow::acknowledge(std::uint64_t place) {
   if (place <= acknowledged_ || place > offset_) return false;
   acknowledged_ = place;
   ever_acknowledged_ = true;
-  if (timed_since_ && place >= timed_place_) {
-    fast_ = fast_rate_ || now - *timed_since_ < fast_answer;
-    timed_since_.reset();
-  }
+  if (acknowledged_ == offset_) ran_dry();
   return true;
 }
 

@@ -2,15 +2,15 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 
 #include "window/clock.h"
 
 namespace orvex {
 
 /// What of a file was sent, what the receiver is known to have, and how much more may go before it
-/// answers: 2 pieces, or 4 KiB where the line is fast. A line is fast by its rate (above 200
-/// kbit/s), or because answers come within 10 ms, as on USB ports, whose rate means nothing.
+/// answers: 2 pieces at first, so that a repeat costs little. That becomes 4 KiB, until something
+/// has to be repeated, once the line ran dry (answers take long, or this machine is busy), and is
+/// 4 KiB all along above 200 kbit/s.
 class ZmodemWindow {
  public:
   static constexpr std::size_t largest_piece = 1024;
@@ -27,10 +27,10 @@ class ZmodemWindow {
   /// Goes back to `place`, which lies between acknowledged() and offset().
   void go_back_to(std::uint64_t place) { offset_ = asked_ = place; }
   void sent(std::size_t length, bool answer_asked);
-  /// All that was sent has been handed to the line.
-  void handed_over(Time now);
+  /// So many bytes, framing and all, went to the line.
+  void handed_over(std::size_t bytes, Time now);
   /// The receiver has all bytes before `place`; false where that is no news.
-  bool acknowledge(std::uint64_t place, Time now);
+  bool acknowledge(std::uint64_t place);
 
   /// Whether `length` bytes more may be sent.
   bool has_room(std::size_t length) const;
@@ -48,18 +48,21 @@ class ZmodemWindow {
   bool ever_acknowledged() const { return ever_acknowledged_; }
 
  private:
-  std::size_t limit() const { return fast_ ? largest : 2 * piece_; }
+  std::size_t limit() const { return large_ ? largest : 2 * piece_; }
 
-  const bool fast_rate_;
+  void ran_dry() { large_ = large_ || (!repeated_ && piece_ == largest_piece); }
+
+  const bool fast_;
+  const Time byte_time_;
   const std::size_t piece_;
-  bool fast_;
+  bool large_;
+  Time busy_until_{};  // by the rate of the line
+  bool repeated_ = false;
   bool ever_acknowledged_ = false;
   std::uint64_t offset_ = 0;
   std::uint64_t asked_ = 0;  // the last answer asked for covers the bytes before this
   std::uint64_t acknowledged_ = 0;
   std::uint64_t sent_most_ = 0;
-  std::uint64_t timed_place_ = 0;
-  std::optional<Time> timed_since_;  // timed_place_ was handed over then
 };
 
 }  // namespace orvex

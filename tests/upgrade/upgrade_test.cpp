@@ -65,7 +65,6 @@ TEST_F(UpgradeTest, a_complete_load_ends_in_restart_scan_and_receive) {
   EXPECT_FALSE(form3().Loaded);
   EXPECT_EQ(panel(1), "Settings: 4800,N,8,1  Com Port: 1");
   EXPECT_EQ(form1().labRevision[1].Caption, " 4.00   ");
-  EXPECT_EQ(form1().Label4.Caption, "0004711\r\n");
   EXPECT_FALSE(form1().Timer1.Enabled());
 }
 
@@ -90,8 +89,7 @@ TEST_F(UpgradeTest, the_bar_and_the_pictures_follow_the_transfer) {
   windows.idle(1950ms);
   EXPECT_TRUE(form3().ProgressBar1.Visible);
   EXPECT_EQ(form3().ProgressBar1.Max, 4000);
-  EXPECT_GT(form3().ProgressBar1.Value, 1000);
-  EXPECT_LT(form3().ProgressBar1.Value, 4000);
+  EXPECT_NEAR(form3().ProgressBar1.Value, 2500, 1000);
   EXPECT_EQ(form3().Picture1, 1) << "nineteen ticks over eighteen cells";
   windows.idle(5s);
   EXPECT_EQ(form3().ProgressBar1.Value, 4000);
@@ -185,7 +183,7 @@ TEST_F(UpgradeTest, a_stalled_load_stands_until_the_user_ends_it) {
   EXPECT_EQ(transfer.cancelled, 1);
 }
 
-TEST_F(UpgradeTest, a_line_lost_in_the_transfer_ends_in_silence_and_the_next_scan_tells) {
+TEST_F(UpgradeTest, a_line_lost_in_the_transfer_ends_in_silence) {
   load();
   windows.at(now() + 1s, [&] { line.unplug(); });
   windows.idle(12s);
@@ -203,18 +201,17 @@ TEST_F(UpgradeTest, ends_before_the_transfer_close_the_window_and_say_no_more_th
     std::string boxes;
     const char* wire;
   } table[]{
-      {"no", "image", "4.00   ", "", Answer::no, question, ""},
-      {"query", "image", "4.00   ", "<APP1RV", Answer::yes, question,
-       "<APP1RV:><APP1RV:><APP1RV:>"},
-      {"rate", "image", "4.00   ", "<RSBAUD", Answer::yes, question,
+      {"no", "fw", "4.00", "", Answer::no, question, ""},
+      {"query", "fw", "4.00", "<APP1RV", Answer::yes, question, "<APP1RV:><APP1RV:><APP1RV:>"},
+      {"rate", "fw", "4.00", "<RSBAUD", Answer::yes, question,
        "<APP1RV:><RSBAUD=115200><RSBAUD=115200><RSBAUD=115200>"},
-      {"load tag", "image", "4.00   ", "<A1CODE", Answer::yes, question,
+      {"load tag", "fw", "4.00", "<A1CODE", Answer::yes, question,
        "<APP1RV:><RSBAUD=115200><A1CODE=Z><A1CODE=Z><A1CODE=Z>"},
-      {"no number", "image", "four   ", "", Answer::yes, question + "[Error # 13 Type mismatch]",
+      {"no number", "fw", "four", "", Answer::yes, question + "[Error # 13 Type mismatch]",
        "<APP1RV:>"},
       {"too short", "short", "", "", Answer::yes, "", ""},
       {"missing", "missing", "", "", Answer::yes, "[Error # 53 File not found]", ""},
-      {"no folder", "image/x", "", "", Answer::yes, "[Cannot open the drive]", ""},
+      {"no folder", "fw/x", "", "", Answer::yes, "[Cannot open the drive]", ""},
       {"folder", ".", "", "", Answer::yes, "[Error # 75 Path/File access error]", ""},
       {"cancelled", "", "", "", Answer::yes, "", ""},
   };
@@ -225,7 +222,7 @@ TEST_F(UpgradeTest, ends_before_the_transfer_close_the_window_and_say_no_more_th
     windows.boxes.clear();
     line.frames.clear();
     scanner.faults = {.only = row.fails, .refused = *row.fails != '\0' ? 3 : 0};
-    if (!row.version.empty()) folder.write("image", image(300, row.version));
+    if (!row.version.empty()) folder.write("fw", image(300, row.version + "   "));
     windows.files = {*row.image_name != '\0' ? std::optional(folder / row.image_name)
                                              : std::nullopt};
     windows.answers = {{row.answer}};
@@ -327,9 +324,7 @@ TEST_F(UploadWindowTest, a_count_never_overshoots_and_none_is_never_complete) {
   forms.form3.Loaded = true;
   bar.Visible = false;
   upgrade.FileProgress(0);
-  EXPECT_TRUE(bar.Visible);
-  EXPECT_EQ(bar.Max, 1);
-  EXPECT_EQ(bar.Value, 0);
+  EXPECT_TRUE(bar.Visible && bar.Max == 1 && bar.Value == 0);
   upgrade.FileProgress(5);
   EXPECT_EQ(bar.Value, 1);
 }

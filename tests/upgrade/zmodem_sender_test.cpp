@@ -1,0 +1,239 @@
+// Honest receivers: what a transfer costs, and what it takes to complete.
+
+#include "upgrade/zmodem_sender.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+#include <string>
+
+#include "upgrade/zmodem_codec.h"
+#include "upgrade/zmodem_course.h"
+#include "upgrade/zmodem_crc.h"
+
+namespace orvex::test {
+namespace {
+
+using namespace std::chrono_literals;
+using std::string;
+using State = FileEngine::State;
+
+TEST(ZmodemSender, files_of_every_size_arrive_whole_with_their_name_size_time_and_mode) {
+  for (const std::size_t size : {0U, 1U, 1023U, 1024U, 1025U, 2048U, 5000U, 70000U}) {
+    const string data = noise(size);
+    const Outcome outcome = send(data, {});
+    expect_complete(outcome, data);
+    EXPECT_EQ(outcome.receiver.offer, "scanner.bin" + string(1, '\0') + std::to_string(size) +
+                                          " 14524770400 100644" + '\0');
+    EXPECT_TRUE(outcome.receiver.over);
+    EXPECT_EQ(outcome.receiver.complaints, 0);
+  }
+}
+
+TEST(ZmodemSender, keeps_to_what_each_kind_of_receiver_announces) {
+  const string data = "@\r" + string("\x01\x8D\x7F", 3) + noise(20000);
+  const struct {
+    const char* kind;
+    std::uint32_t zrinit;
+    bool request_seen, crc32_seen;
+    int waits;  // ZCRCW, with the one of ZFILE
+  } cases[] = {
+      {"full duplex, CRC-32", 0x23000000, true, true, 2},
+      {"CRC-16", 0x03000000, true, false, 2},
+      {"half duplex", 0x22000000, false, true, 6},
+      {"can't receive while it writes", 0x21000000, false, true, 21},
+      {"neither", 0x00000000, false, false, 21},
+      {"a buffer of 1,500 bytes", 0x230005DC, false, true, 15},
+      {"a buffer of 100 bytes", 0x23000064, false, true, 202},
+      {"escaped controls", 0x63000000, true, true, 2},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.kind);
+    Course course;
+    course.receiver.zrinit = c.zrinit;
+    course.receiver.write_time = (c.zrinit & 0x03000000) == 0x03000000 ? Time{} : 5ms;
+    const Outcome outcome = send(data, course);
+    expect_complete(outcome, data);
+    EXPECT_EQ(outcome.there.find("\x18j") != string::npos, c.request_seen);
+    EXPECT_EQ(outcome.there.find("*\030C") != string::npos, c.crc32_seen);
+    int waits = 0;
+    for (std::size_t at = 0; (at = outcome.there.find("\030k", at)) != string::npos; ++at) ++waits;
+    EXPECT_EQ(waits, c.waits);
+    const auto bare_control = [](char byte) { return (byte & 0x60) == 0 && byte != 0x18; };
+    const std::string_view in_frames =
+        std::string_view(outcome.there).substr(100, outcome.there.size() - 200);
+    EXPECT_EQ(std::any_of(in_frames.begin(), in_frames.end(), bare_control),
+              (c.zrinit & 0x40000000) == 0);
+  }
+}
+
+TEST(ZmodemSender, at_most_4_kib_are_on_the_way_without_an_answer) {
+  for (const std::uint32_t rate : {115200U, 921600U}) {
+    Course course;
+    course.receiver = {.turns_bad = Step::data, .turns_bad_at = 20480};
+    course.driver_room = 65536;
+    std::size_t before = 0;
+    ZmodemSender sender(std::make_unique<MemorySource>(noise(60000)), Time{}, rate);
+    course.each_step = [&](FileEngine& engine, Time now) {
+      if (before == 0 && now > 3500ms) before = engine.progress();
+    };
+    const Outcome outcome = run(sender, course);
+    expect_failed(outcome, "stopped answering");
+    EXPECT_GE(outcome.progress, 20480U - 2048U);
+    EXPECT_LE(outcome.receiver.file.size(), outcome.progress + 4096U);
+    EXPECT_LE(outcome.took - outcome.last_answer, 15s);
+    EXPECT_EQ(before, outcome.progress);
+  }
+}
+
+TEST(ZmodemSender, a_mebibyte_costs_little_more_than_its_bytes) {
+  const string data = noise(1048576);
+  const Outcome outcome = send(data, {});
+  expect_complete(outcome, data);
+  EXPECT_LE(outcome.there.size(), 1083800U);
+  EXPECT_LE(outcome.took, 94600ms);
+  for (const Time latency : {16ms, 60ms}) {
+    Course far;
+    far.latency = latency;
+    EXPECT_LE(send(data, far).took, outcome.took + 12 * latency);
+  }
+}
+
+TEST(ZmodemSender, a_receiver_that_writes_each_kib_before_it_goes_on_is_not_overrun) {
+  const string data = noise(102400);
+  Course course;
+  course.receiver = {.zrinit = 0x21000400, .write_time = 20ms};
+  const Outcome outcome = send(data, course);
+  expect_complete(outcome, data);
+  EXPECT_LE(outcome.there.size(), 110000U);
+  EXPECT_LE(outcome.took, 14s);
+}
+
+TEST(ZmodemSender, damage_costs_little) {
+  const string data = noise(524288);
+  const Outcome clean = send(data, {});
+  const struct {
+    const char* kind;
+    Damage there, back;
+    double bytes;  // more than without damage
+    Time time;
+  } cases[] = {
+      {"a flip every 100 kB", {.flip_every = 100000}, {}, 5 * 1300, 1250ms},
+      {"a flip every 10 kB", {.flip_every = 10000}, {}, 0.35 * 542000, 16450ms},
+      {"a drop every 64 kB", {.drop_every = 65536}, {}, 8 * 1300, 2s},
+      {"every 40th answer", {}, {.flip_every = 809}, 0, 100ms},
+      {"a flip every 700 bytes", {.flip_every = 700}, {}, 3 * 542000, 150s},
+      {"both", {.flip_every = 50001, .drop_every = 70001}, {.drop_every = 997}, 20 * 2200, 70s},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.kind);
+    Course course;
+    course.there = c.there;
+    course.back = c.back;
+    const Outcome outcome = send(data, course);
+    expect_complete(outcome, data);
+    const double more =
+        static_cast<double>(outcome.there.size()) - static_cast<double>(clean.there.size());
+    EXPECT_LE(more, c.bytes);
+    EXPECT_LE(outcome.took - clean.took, c.time);
+    EXPECT_GE(outcome.took, clean.took);
+  }
+}
+
+// The course has at least 5 headers each way; damaging any of them costs a repeat.
+TEST(ZmodemSender, each_header_of_the_course_may_be_lost_once) {
+  const string data = noise(5000);
+  for (const std::uint32_t zrinit : {0x23000000U, 0x21000400U}) {
+    Course course;
+    course.receiver.zrinit = zrinit;
+    const Outcome clean = send(data, course);
+    for (const bool there : {true, false}) {
+      const string& wire = there ? clean.there : clean.back;
+      int headers = 0;
+      for (std::size_t at = wire.find("*\x18"); at != string::npos;
+           at = wire.find("*\x18", at + 1)) {
+        if (at + 8 >= wire.size() || wire[at + 2] < 'A' || wire[at + 2] > 'C') continue;
+        SCOPED_TRACE((there ? "there, byte " : "back, byte ") + std::to_string(at));
+        ++headers;
+        for (const std::size_t byte : {at + 1, at + 5, at + 7}) {
+          Course damaged = course;
+          (there ? damaged.there : damaged.back).flip_at = byte;
+          const Outcome outcome = send(data, damaged);
+          expect_complete(outcome, data);
+          EXPECT_LE(outcome.took - clean.took, 6s);
+        }
+      }
+      EXPECT_GE(headers, 5);
+    }
+  }
+}
+
+TEST(ZmodemSender, one_lost_or_damaged_byte_anywhere_is_made_up_for) {
+  const string data = noise(300);
+  const std::size_t length = send(data, {}).there.size();
+  for (std::size_t at = 0; at < length; ++at) {
+    for (const bool lost : {true, false}) {
+      SCOPED_TRACE((lost ? "lost " : "damaged ") + std::to_string(at));
+      Course course;
+      (lost ? course.there.drop_at : course.there.flip_at) = at;
+      expect_complete(send(data, course), data);
+    }
+  }
+}
+
+TEST(ZmodemSender, unusual_but_honest_receivers_get_the_file) {
+  const string data = noise(20000);
+  const string late(string(10, '\x18') + string(10, '\b'));
+  const struct {
+    const char* kind;
+    ReceiverScript receiver;
+    string at_start, on_the_way;
+  } cases[] = {
+      {"never answers a request", {.answers_requests = false}, "", ""},
+      {"resumes", {.first_place = 7001}, "", ""},
+      {"has it all", {.first_place = 20000}, "", ""},
+      {"is slow to answer", {.write_time = 300ms}, "", ""},
+      {"doubled and late ZRINIT", {}, answer(1, 0x23000000), answer(1, 0x23000000)},
+      {"the end of an earlier transfer", {}, late + answer(9, 5) + answer(3, 9), ""},
+      {"challenge", {}, answer(14, 77), ""},
+      {"asks to repeat", {}, answer(6, 0), answer(6, 0)},
+      {"asks for the CRC", {}, "", answer(13, 0)},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.kind);
+    Course course;
+    course.receiver = c.receiver;
+    bool said = false;
+    course.each_step = [&](FileEngine& engine, Time now) {
+      if (now == Time{}) engine.receive(c.at_start, now);
+      if (!said && engine.progress() > 9000) engine.receive(c.on_the_way, now), said = true;
+    };
+    const Outcome outcome = send(data, course);
+    const std::size_t start = c.receiver.first_place;
+    EXPECT_EQ(outcome.state, State::complete) << outcome.reason;
+    EXPECT_TRUE(outcome.receiver.file.substr(start) == data.substr(start));
+    EXPECT_LE(outcome.took, 8s);
+    const string crc = zmodem_hex_header({ZmodemFrame::zcrc, zmodem_crc32(data)});
+    EXPECT_EQ(outcome.there.find(crc) != string::npos, c.on_the_way == answer(13, 0));
+    const string challenged = answer(3, 77);
+    EXPECT_EQ(outcome.there.find(challenged) != string::npos, c.at_start == answer(14, 77));
+  }
+}
+
+TEST(ZmodemSender, slow_lines_get_pieces_of_about_a_second) {
+  for (const std::uint32_t rate : {300U, 1200U, 2400U, 9600U}) {
+    SCOPED_TRACE(rate);
+    const string data = noise(3 * rate);
+    Course course;
+    course.byte_time = Time(10'000'000'000 / rate);
+    course.step = 5ms;
+    ZmodemSender sender(std::make_unique<MemorySource>(data), Time{}, rate);
+    const Outcome outcome = run(sender, course);
+    expect_complete(outcome, data);
+    EXPECT_EQ(outcome.receiver.complaints, 0);
+  }
+}
+
+}  // namespace
+}  // namespace orvex::test

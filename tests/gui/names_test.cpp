@@ -29,6 +29,7 @@ bool is_of_kind(const QObject* control, const QString& kind) {
 
 TEST(Names, every_control_is_found_by_its_own_name) {
   Pilot pilot({}, false);
+  pilot.desktop().make_windows();
   QStringList frames_named;
   for (const FrameLayout& frame : frames()) frames_named += to_qt(frame.name);
   QStringList symbols;
@@ -103,6 +104,7 @@ TEST(Names, every_control_is_found_by_its_own_name) {
 
 TEST(Names, every_value_has_its_option_button_in_its_frame_on_its_tab) {
   Pilot pilot({}, false);
+  pilot.desktop().make_windows();
   auto* tabs = pilot.find<QTabWidget>("SSTab1");
   ASSERT_EQ(tabs->count(), 9);
   for (const Parameter& row : parameters()) {

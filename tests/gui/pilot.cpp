@@ -53,7 +53,7 @@ QString Pilot::text(const QString& name, const QString& window) const {
 }
 
 bool Pilot::can_choose(const QString& name) const {
-  return require(desktop_->main_window.findChild<QAction*>(name), name).isEnabled();
+  return require(desktop_->main_window->findChild<QAction*>(name), name).isEnabled();
 }
 
 void Pilot::click(const QString& name, const QString& window) {

@@ -34,6 +34,7 @@ class Watch {
  public:
   explicit Watch(const Pilot& pilot) {
     timer_.callOnTimeout([this, &pilot] {
+      if (pilot.find("Form1") == nullptr) return;
       const std::string letters = enabled(pilot);
       if (seen_.empty() || seen_.back() != letters) seen_.push_back(letters);
       tab_was_disabled_ |= !pilot.find("SSTab1")->isEnabled();

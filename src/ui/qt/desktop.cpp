@@ -17,15 +17,25 @@ Desktop::Desktop(const std::filesystem::path& state_folder)
                                                   static_cast<std::uint32_t>(rate));
           },
           state_folder),
-      main_window(windows, program),
-      splash_window(windows, program, &main_window),
-      upload_window(windows, program, &main_window),
-      manual_dialog(windows, program, &main_window) {
+      splash_window(windows, program) {
   windows.window_of = [this](Owner owner) -> QWidget* {
-    if (owner == Owner::upload_window) return &upload_window;
+    make_windows();
+    if (owner == Owner::upload_window) return upload_window.get();
     QWidget* active = QApplication::activeWindow();
-    return active != nullptr ? active : &main_window;
+    return active != nullptr ? active : main_window.get();
   };
+  splash_window.window_below = [this] { return main_window.get(); };
+  splash_window.first_shown = [this] { make_windows(); };
+  windows.view.always([this] {
+    if (program.forms.form1.Visible) make_windows();
+  });
+}
+
+void Desktop::make_windows() {
+  if (main_window) return;
+  main_window = std::make_unique<MainWindow>(windows, program);
+  upload_window = std::make_unique<UploadWindow>(windows, program, main_window.get());
+  manual_dialog = std::make_unique<ManualDialog>(windows, program, main_window.get());
 }
 
 int Desktop::run() {

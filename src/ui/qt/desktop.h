@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 
 #include "ui/program.h"
 #include "ui/qt/main_window.h"
@@ -18,16 +19,20 @@ class Desktop {
  public:
   explicit Desktop(const std::filesystem::path& state_folder);
 
+  /// Makes the windows other than the splash. They come after the splash is on the screen, so that
+  /// it doesn't wait for them.
+  void make_windows();
+
   /// Runs the tool's entry and then the event loop, to the end of the process. Gives its exit code.
   int run();
 
   QtWindows windows;
   QtLine line;
   Program program;
-  MainWindow main_window;
   SplashWindow splash_window;
-  UploadWindow upload_window;
-  ManualDialog manual_dialog;
+  std::unique_ptr<MainWindow> main_window;
+  std::unique_ptr<UploadWindow> upload_window;
+  std::unique_ptr<ManualDialog> manual_dialog;
 };
 
 }  // namespace orvex

@@ -45,7 +45,7 @@ class QtWindows final : public QObject, public WindowSystem {
   bool ended() const { return ended_; }
 
   View view;
-  /// The windows that own message boxes.
+  /// The windows that own message boxes; asked for outside of a draw.
   std::function<QWidget*(Owner)> window_of = [](Owner) { return nullptr; };
 
  private:

@@ -3,6 +3,8 @@
 #include <QCloseEvent>
 #include <QPainter>
 #include <QScreen>
+#include <QTimer>
+#include <QWindow>
 #include <algorithm>
 #include <utility>
 
@@ -26,8 +28,8 @@ const QColor label_colour(0xE0, 0xE0, 0xE0);
 
 }  // namespace
 
-SplashWindow::SplashWindow(QtWindows& windows, Program& program, QWidget* parent)
-    : QWidget(parent, Qt::Dialog | Qt::FramelessWindowHint), windows_(windows), program_(program) {
+SplashWindow::SplashWindow(QtWindows& windows, Program& program)
+    : QWidget(nullptr, Qt::Dialog | Qt::FramelessWindowHint), windows_(windows), program_(program) {
   setObjectName("Form2");
   setWindowTitle(application_title);
   setFixedSize(pixels(width_of_picture), pixels(height_of_picture));
@@ -46,7 +48,10 @@ SplashWindow::SplashWindow(QtWindows& windows, Program& program, QWidget* parent
 }
 
 void SplashWindow::paintEvent(QPaintEvent* /*event*/) {
-  if (picture_.isNull()) picture_ = whole_picture("splash", devicePixelRatioF());
+  if (picture_.isNull()) {
+    picture_ = whole_picture("splash", devicePixelRatioF());
+    QTimer::singleShot(0, this, [this] { windows_.handle(first_shown); });
+  }
   QPainter painter(this);
   painter.setRenderHint(QPainter::SmoothPixmapTransform);
   painter.drawPixmap(rect(), picture_);
@@ -106,6 +111,10 @@ void SplashWindow::show_as(bool visible, bool modal) {
   if (visible) {
     const QRect room = screen()->geometry();
     move(room.center() - rect().center());
+    if (const QWidget* below = window_below()) {
+      winId();  // makes the window that is to lie above the other
+      windowHandle()->setTransientParent(below->windowHandle());
+    }
   }
   setVisible(visible);
 }

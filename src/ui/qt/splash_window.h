@@ -4,6 +4,7 @@
 #include <QPixmap>
 #include <QPushButton>
 #include <QWidget>
+#include <functional>
 
 #include "ui/program.h"
 #include "ui/qt/qt_windows.h"
@@ -13,7 +14,12 @@ namespace orvex {
 /// Form2 on the screen: splash window of a scan and About box.
 class SplashWindow final : public QWidget {
  public:
-  SplashWindow(QtWindows& windows, Program& program, QWidget* parent);
+  SplashWindow(QtWindows& windows, Program& program);
+
+  /// Called once, after the window has been painted for the first time.
+  std::function<void()> first_shown;
+  /// The window above which it lies, null where there is none yet.
+  std::function<QWidget*()> window_below;
 
  protected:
   void paintEvent(QPaintEvent* event) override;

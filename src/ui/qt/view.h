@@ -1,10 +1,10 @@
 #pragma once
 
+#include <deque>
 #include <functional>
 #include <optional>
 #include <type_traits>
 #include <utility>
-#include <vector>
 
 namespace orvex {
 
@@ -27,12 +27,13 @@ class View {
   /// Called at each draw.
   void always(std::function<void()> draw) { draws_.push_back(std::move(draw)); }
 
+  /// What is bound meanwhile is drawn as well.
   void draw() {
-    for (auto& draw : draws_) draw();
+    for (std::size_t next = 0; next < draws_.size(); ++next) draws_[next]();
   }
 
  private:
-  std::vector<std::function<void()>> draws_;
+  std::deque<std::function<void()>> draws_;  // one that runs must stay where it is
 };
 
 }  // namespace orvex

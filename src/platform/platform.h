@@ -41,7 +41,8 @@ enum class Links {
 };
 
 /// Replaces the file at `path` by one that holds `bytes`, whole or not at all: on an error, a full
-/// disk or a kill the old file stands as it was.
+/// disk or a kill the old file stands as it was. A kill may leave the unfinished one beside it, as
+/// .orvex- and six characters.
 std::error_code replace_file(const std::filesystem::path& path, std::string_view bytes,
                              Links links = Links::follow);
 

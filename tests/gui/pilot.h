@@ -50,6 +50,8 @@ class Pilot {
   void choose_next_file(const QString& path);
   /// From now on boxes stand until something else takes them down.
   void leave_boxes_alone() { boxes_are_left_ = true; }
+  /// Stops looking for boxes and dialogs, which takes processor time.
+  void stop_looking() { looker_.stop(); }
   /// Texts of all message boxes that were answered, oldest first.
   QStringList boxes() const { return boxes_; }
 

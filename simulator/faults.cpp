@@ -60,6 +60,7 @@ bool set_fault(Faults& faults, std::string_view name_and_value) {
 
 std::vector<std::string_view> fault_names() {
   std::vector<std::string_view> names;
+  names.reserve(std::size(named_faults));
   for (const auto& fault : named_faults) names.push_back(fault.usage);
   return names;
 }

@@ -14,8 +14,6 @@
 #include <system_error>
 #include <vector>
 
-extern char** environ;
-
 namespace orvex::simulator {
 namespace fs = std::filesystem;
 namespace {
@@ -53,6 +51,7 @@ fs::path private_folder() {
 int spawn(pid_t& child, const std::string& program, const fs::path& folder, int input, int output) {
   std::vector<std::string> words{program, "--binary", "--overwrite", "--quiet"};
   std::vector<char*> arguments;
+  arguments.reserve(words.size() + 1);
   for (auto& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
   posix_spawn_file_actions_t actions;

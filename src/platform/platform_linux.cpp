@@ -19,8 +19,6 @@
 #include "platform/linux_ports.h"
 #include "platform/platform.h"
 
-extern char** environ;
-
 namespace orvex::platform {
 namespace fs = std::filesystem;
 namespace {

@@ -33,6 +33,10 @@ Pilot::Pilot(const QStringList& simulator_options, bool with_scanner) {
   }
   desktop_ = std::make_unique<Desktop>(folder().toStdString());
   looker_.callOnTimeout([this] { look_for_dialogs(); });
+  look();
+}
+
+void Pilot::look() {
   looker_.start(look_ms);
 }
 

@@ -52,6 +52,7 @@ class Pilot {
   void leave_boxes_alone() { boxes_are_left_ = true; }
   /// Stops looking for boxes and dialogs, which takes processor time.
   void stop_looking() { looker_.stop(); }
+  void look();
   /// Texts of all message boxes that were answered, oldest first.
   QStringList boxes() const { return boxes_; }
 

@@ -3,6 +3,7 @@
 #include <QComboBox>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
@@ -240,6 +241,30 @@ TEST(Session, a_saved_setup_is_opened_again_and_a_failure_shows_its_number) {
   pilot.answer_next_box("OK");
   pilot.click("mnusave");
   EXPECT_EQ(pilot.boxes(), QStringList{"Error: Error # 76 Path not found"});
+}
+
+TEST(Session, hostile_text_is_shown_as_it_is_and_the_window_keeps_its_layout) {
+  const QString markup = "<b>1</b>&amp;$(id)";
+  const QString serial = "<img src='x'>" + QString(3000, 'W');
+  Pilot pilot({"--model", markup, "--web", "file:///etc/passwd", "--serial", serial});
+  pilot.start();
+  const QSize size = pilot.find("Form1")->size();
+  const QRect buttons = pilot.find("cmdExit")->geometry();
+  pilot.click("cmdReceive");
+  EXPECT_EQ(pilot.panel(2).toStdString(), "");
+  EXPECT_EQ(pilot.text("labRevision(4)").toStdString(), " " + markup.left(8).toStdString());
+  EXPECT_EQ(pilot.text("Label4"), serial + "\r\n");
+  for (const char* name : {"labRevision(4)", "Label4", "labWeb", "sbrStatus.Panels(2)"}) {
+    EXPECT_EQ(pilot.find<QLabel>(name)->textFormat(), Qt::PlainText) << name;
+  }
+  pilot.desktop().program.forms.form1.Label4.Caption += std::string(100000, 'W');
+  pilot.desktop().windows.draw();
+  Pilot::wait_for([] { return false; }, 50);
+  EXPECT_EQ(pilot.text("Label4").size(), serial.size() + 2 + 100000);
+  EXPECT_EQ(pilot.find("Form1")->size(), size);
+  EXPECT_EQ(pilot.find("cmdExit")->geometry(), buttons);
+  pilot.click("cmdWeb");
+  EXPECT_TRUE(pilot.find("cmdWeb")->isEnabled());
 }
 
 TEST(Session, the_about_box_shows_ok_in_place_of_the_scan_and_brings_it_back) {

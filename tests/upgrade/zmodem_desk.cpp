@@ -55,7 +55,12 @@ ZmodemDesk::ZmodemDesk()
 
 void ZmodemDesk::load(const std::string& image, bool fast) {
   form1().mnuload[5].Checked = fast;
-  windows.files = {folder.write("image.bin", image)};
+  // Its time and rights go along in the offer, and shift all behind them.
+  const auto path = folder.write("image.bin", image);
+  const std::chrono::sys_seconds changed(1700000000s);
+  std::filesystem::last_write_time(path, std::chrono::file_clock::from_sys(changed));
+  std::filesystem::permissions(path, std::filesystem::perms{0644});
+  windows.files = {path};
   windows.answers.push_front({Answer::yes});
   press(&Program::mnuload_Click, 2);
 }

@@ -31,12 +31,12 @@ QtLine::QtLine(QtWindows& windows, std::filesystem::path links)
     : windows_(windows), links_(std::move(links)) {
   port_.setReadBufferSize(in_buffer_size);
   connect(&port_, &QSerialPort::readyRead, this, [this] {
-    windows_.handle([this] {
+    windows_.handle_line([this] {
       if (open_) listener_->bytes_arrived();
     });
   });
   connect(&port_, &QSerialPort::bytesWritten, this, [this] {
-    windows_.handle([this] {
+    windows_.handle_line([this] {
       if (open_) listener_->bytes_sent();
     });
   });

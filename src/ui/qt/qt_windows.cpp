@@ -186,16 +186,21 @@ void QtWindows::draw() {
   drawing_ = true;
   view.draw();
   drawing_ = false;
+  draw_is_due_ = false;
   drawn_at_ = now();
 }
 
-void QtWindows::guarded(const std::function<void()>& handler) {
+void QtWindows::guarded(const std::function<void()>& handler, Draw when) {
   try {
     handler();
   } catch (const Ended&) {
     return;
   }
-  draw();
+  if (when == Draw::now || now() - drawn_at_ >= draw_step) {
+    draw();
+  } else {
+    draw_is_due_ = true;
+  }
   arm();
 }
 
@@ -208,6 +213,7 @@ void QtWindows::run_due() {
 
 void QtWindows::arm() {
   std::optional<Time> next;
+  if (draw_is_due_) next = drawn_at_ + draw_step;
   for (const Scheduled* scheduled : scheduled_) {
     const auto due = scheduled->due();
     if (due && (!next || *due < *next)) next = due;

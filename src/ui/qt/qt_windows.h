@@ -38,7 +38,15 @@ class QtWindows final : public QObject, public WindowSystem {
   template <typename Handler>
   void handle(Handler&& handler) {
     if (drawing_ || ended_) return;
-    guarded(std::function<void()>(std::forward<Handler>(handler)));
+    guarded(std::function<void()>(std::forward<Handler>(handler)), Draw::now);
+  }
+
+  /// The same for what comes from the line, which can be much: the draw waits for a few
+  /// milliseconds of it.
+  template <typename Handler>
+  void handle_line(Handler&& handler) {
+    if (drawing_ || ended_) return;
+    guarded(std::function<void()>(std::forward<Handler>(handler)), Draw::soon);
   }
 
   void draw();
@@ -54,7 +62,9 @@ class QtWindows final : public QObject, public WindowSystem {
     Owner owner;
   };
 
-  void guarded(const std::function<void()>& handler);
+  enum class Draw { now, soon };
+
+  void guarded(const std::function<void()>& handler, Draw when);
   void run_due();
   void arm();
   std::optional<std::filesystem::path> run_dialog(QFileDialog& dialog, const FileDialog& texts);
@@ -65,6 +75,7 @@ class QtWindows final : public QObject, public WindowSystem {
   std::vector<OpenBox> boxes_;
   QString last_folder_;
   Time drawn_at_{};
+  bool draw_is_due_ = false;
   bool drawing_ = false;
   bool ended_ = false;
 };

@@ -168,6 +168,7 @@ std::vector<std::string> serial_ports(const fs::path& class_tty) {
     return std::tie(entry.first.rank, entry.first.kind, entry.first.number);
   });
   std::vector<std::string> names;
+  names.reserve(found.size());
   for (auto& entry : found) names.push_back(std::move(entry.second));
   return names;
 }

@@ -137,8 +137,8 @@ void work_on_reply(ScannerLink& link, ScannerSetup& setup, std::string_view tag,
     form1.Label4.Caption = reply;
   } else if (tag == "<SETPAR:>") {
     form1.sbrStatus.Panels[2] = "Current Settings";
-    const std::string copy = reply;
-    apply_reply(setup, copy, [&] { link.windows.pump(Wait::no); });
+    // A copy, since the pump inside may bring something that empties the reply.
+    apply_reply(setup, std::string(reply), [&] { link.windows.pump(Wait::no); });
   }
 }
 

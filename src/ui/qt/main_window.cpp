@@ -76,7 +76,7 @@ QWidget* MainWindow::make_tabs() {
     pages.push_back(page);
   }
   add_revision_tab(windows_, program_, *pages[0]);
-  SetupTabs(windows_, program_, pages);
+  const SetupTabs setup_tabs(windows_, program_, pages);
   add_symbol_pickers(pages);
   for (QWidget* page : pages) close_grid(*page);
 

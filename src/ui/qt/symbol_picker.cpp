@@ -71,7 +71,7 @@ class SymbolLabel final : public QLabel {
 
 }  // namespace
 
-SymbolPicker::SymbolPicker(const QString& array, std::function<void(int)> picked) {
+SymbolPicker::SymbolPicker(const QString& array, const std::function<void(int)>& picked) {
   setFrameShape(QFrame::StyledPanel);
   auto* grid = new QGridLayout(this);
   grid->setSpacing(2);

@@ -12,7 +12,7 @@ namespace orvex {
 class SymbolPicker final : public QFrame {
  public:
   /// `array` is the name of the labels' control array; `picked` gets the index of the label.
-  SymbolPicker(const QString& array, std::function<void(int)> picked);
+  SymbolPicker(const QString& array, const std::function<void(int)>& picked);
 
  private:
   void move_from(std::size_t position, int key);

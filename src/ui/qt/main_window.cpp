@@ -109,9 +109,10 @@ void MainWindow::add_symbol_pickers(const std::vector<QWidget*>& pages) {
     auto* button = new QPushButton(icon("control-char"), "CTRL CH");
     button->setObjectName(parts.button);
     button->setAccessibleDescription("Shows or hides the control characters");
-    auto* picker = new SymbolPicker(parts.array, [this, pick = parts.pick](int index) {
-      windows_.handle([&] { (program_.*pick)(index); });
-    });
+    auto* picker = new SymbolPicker(
+        parts.array, [&windows = windows_, &program = program_, pick = parts.pick](int index) {
+          windows.handle([&] { (program.*pick)(index); });
+        });
     picker->setObjectName(parts.frame);
     auto* grid = static_cast<QGridLayout*>(pages[static_cast<std::size_t>(parts.tab)]->layout());
     const int below = grid->rowCount();
@@ -119,7 +120,9 @@ void MainWindow::add_symbol_pickers(const std::vector<QWidget*>& pages) {
     grid->addWidget(picker, below, 0, 1, 2, Qt::AlignLeft);
     grid->setColumnStretch(0, 1);
     connect(button, &QPushButton::clicked, this,
-            [this, toggle = parts.toggle] { windows_.handle([&] { (program_.*toggle)(); }); });
+            [&windows = windows_, &program = program_, toggle = parts.toggle] {
+              windows.handle([&] { (program.*toggle)(); });
+            });
     windows_.view.bind([&record = parts.record] { return record.Visible; },
                        [picker](bool visible) { picker->setVisible(visible); });
   }
@@ -153,7 +156,9 @@ QHBoxLayout* MainWindow::make_buttons() {
     windows_.view.bind([&record = parts.record] { return record.Enabled; },
                        [button](bool enabled) { button->setEnabled(enabled); });
     connect(button, &QPushButton::clicked, this,
-            [this, click = parts.click] { windows_.handle([&] { (program_.*click)(); }); });
+            [&windows = windows_, &program = program_, click = parts.click] {
+              windows.handle([&] { (program.*click)(); });
+            });
   }
   return row;
 }

@@ -71,8 +71,9 @@ void ManualDialog::add_button(QLayout& row, const char* name, const char* captio
   auto* button = new QPushButton(caption);
   button->setObjectName(name);
   row.addWidget(button);
-  connect(button, &QPushButton::clicked, this,
-          [this, click] { windows_.handle([&] { (program_.*click)(); }); });
+  connect(button, &QPushButton::clicked, this, [&windows = windows_, &program = program_, click] {
+    windows.handle([&] { (program.*click)(); });
+  });
 }
 
 void ManualDialog::show_as(bool visible) {

@@ -31,9 +31,14 @@ Pilot::Pilot(const QStringList& simulator_options, bool with_scanner) {
     const bool linked = wait_for([this] { return QFileInfo(folder() + "/com1").isSymLink(); });
     if (!linked) throw std::runtime_error("the simulator didn't start");
   }
-  desktop_ = std::make_unique<Desktop>(folder().toStdString());
+  restart_tool();
   looker_.callOnTimeout([this] { look_for_dialogs(); });
   look();
+}
+
+void Pilot::restart_tool() {
+  end_tool();
+  desktop_ = std::make_unique<Desktop>(folder().toStdString());
 }
 
 void Pilot::look() {

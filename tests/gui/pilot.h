@@ -66,7 +66,9 @@ class Pilot {
   QString folder() const { return folder_.path(); }
   /// Takes the tool down as the end of its process does.
   void end_tool() { desktop_.reset(); }
-  Desktop& desktop() { return *desktop_; }
+  /// A new tool on the same folder and scanner, not started yet.
+  void restart_tool();
+  Desktop& desktop() const { return *desktop_; }
 
  private:
   static QWidget* window_named(const QString& name);

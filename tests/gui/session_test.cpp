@@ -194,23 +194,6 @@ TEST(Session, a_start_without_a_port_says_so_and_leaves_the_tabs_disabled) {
   EXPECT_TRUE(pilot.can_choose("mnumanual"));
 }
 
-TEST(Session, a_device_that_goes_away_is_one_failure_and_a_new_one_is_found_again) {
-  Pilot pilot({"--rate", "9600"});
-  pilot.start();
-  pilot.tell_scanner("unplug");
-  ASSERT_TRUE(Pilot::wait_for([&] { return !pilot.desktop().line.is_open(); }));
-  pilot.answer_next_box("OK");
-  pilot.click("cmdReceive");
-  EXPECT_EQ(pilot.boxes(), QStringList{"Orvex1: The port is not open"});
-  EXPECT_EQ(pilot.panel(2).toStdString(), "Error in Receiving");
-
-  pilot.tell_scanner("plug");
-  ASSERT_TRUE(Pilot::wait_for([&] { return QFile::exists(pilot.folder() + "/com1"); }));
-  pilot.click("mnuauto");
-  pilot.click("cmdReceive");
-  EXPECT_EQ(pilot.panel(2).toStdString(), "");
-}
-
 TEST(Session, a_wait_for_a_silent_scanner_costs_next_to_no_processor_time) {
   Pilot pilot({"--rate", "9600"});
   pilot.start();

@@ -226,6 +226,49 @@ TEST(Session, a_saved_setup_is_opened_again_and_a_failure_shows_its_number) {
   EXPECT_EQ(pilot.boxes(), QStringList{"Error: Error # 76 Path not found"});
 }
 
+TEST(Session, files_that_are_no_setup_come_to_an_end_with_the_window_alive) {
+  Pilot pilot({"--rate", "9600"});
+  pilot.start();
+  QFile::link("/dev/zero", pilot.folder() + "/endless");
+  QFile beyond(pilot.folder() + "/beyond");
+  ASSERT_TRUE(beyond.open(QIODevice::WriteOnly) && beyond.resize(qint64{1} << 40));
+  const struct {
+    const char* name;
+    char byte;  ///< of a file of 100 MB, 0 where there is another one of this name
+    QStringList boxes;
+  } files[]{{"starts", '\x01', {}},
+            {"text", 'x', {}},
+            {"endless", 0, {"Error: Error # 75 Path/File access error"}},
+            {"beyond", 0, {"Error: Error # 1027 File too large"}}};
+  QElapsedTimer since_turn;
+  qint64 longest_ms = 0;
+  QTimer turns;
+  turns.callOnTimeout([&] { longest_ms = std::max<qint64>(longest_ms, since_turn.restart()); });
+  for (const auto& file : files) {
+    SCOPED_TRACE(file.name);
+    QFile whole(pilot.folder() + "/" + file.name);
+    if (file.byte != 0) {
+      ASSERT_TRUE(whole.open(QIODevice::WriteOnly));
+      whole.write(QByteArray(100'000'000, file.byte));
+      whole.close();
+    }
+    pilot.choose_next_file(whole.fileName());
+    if (!file.boxes.empty()) pilot.answer_next_box("OK");
+    const auto boxes_before = pilot.boxes().size();
+    QElapsedTimer clock;
+    clock.start();
+    since_turn.start();
+    turns.start(1);
+    pilot.click("mnuopen");
+    turns.stop();
+    std::printf("%-8s %lld ms, the window's longest rest %lld ms\n", file.name, clock.elapsed(),
+                longest_ms);
+    EXPECT_LT(clock.elapsed(), 5000);
+    EXPECT_LT(longest_ms, 500);
+    EXPECT_EQ(pilot.boxes().mid(boxes_before), file.boxes);
+  }
+}
+
 TEST(Session, hostile_text_is_shown_as_it_is_and_the_window_keeps_its_layout) {
   const QString markup = "<b>1</b>&amp;$(id)";
   const QString serial = "<img src='x'>" + QString(3000, 'W');

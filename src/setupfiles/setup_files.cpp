@@ -25,7 +25,7 @@ void tell(WindowSystem& windows, const RunTimeError& error) {
 std::string read_setup_file(WindowSystem& windows, const std::filesystem::path& path) {
   platform::InputFile file;
   if (const auto error = file.open(path)) throw error_of(error);
-  if (file.size() > most_bytes) throw error_of(std::make_error_code(std::errc::file_too_large));
+  if (file.size() > most_bytes) throw error_of(std::make_error_code(std::errc::not_enough_memory));
   std::string text(file.size(), '\0');
   for (std::size_t done = 0; done < text.size();) {
     std::error_code error;

@@ -1,10 +1,14 @@
 #include "upgrade/image_source.h"
 
+#include <algorithm>
+
 #include "platform/platform.h"
 #include "window/run_time_error.h"
 
 namespace orvex {
 namespace {
+
+constexpr std::size_t read_ahead = 65536;
 
 class ImageSource final : public FileSource {
  public:
@@ -17,13 +21,27 @@ class ImageSource final : public FileSource {
   std::int64_t modified() const override { return file_.modified(); }
   unsigned mode() const override { return file_.mode(); }
   bool read(std::uint64_t offset, std::span<char> into) override {
-    std::error_code error;
-    return file_.read(offset, into, error) == into.size() && !error;
+    if (offset < ahead_from_ || offset + into.size() > ahead_from_ + ahead_.size()) {
+      if (!fetch(offset, std::max(into.size(), read_ahead))) return false;
+    }
+    const auto piece = std::string_view(ahead_).substr(offset - ahead_from_, into.size());
+    std::ranges::copy(piece, into.begin());
+    return piece.size() == into.size();
   }
 
  private:
+  bool fetch(std::uint64_t offset, std::size_t most) {
+    std::error_code error;
+    ahead_.resize(most);
+    ahead_from_ = offset;
+    ahead_.resize(file_.read(offset, ahead_, error));
+    return !error;
+  }
+
   std::string name_;
   platform::InputFile file_;
+  std::string ahead_;
+  std::uint64_t ahead_from_ = 0;
 };
 
 }  // namespace

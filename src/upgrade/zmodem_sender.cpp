@@ -22,6 +22,8 @@ constexpr Time repeat_after = seconds(4);
 
 constexpr std::size_t careful_piece = 128;
 constexpr std::size_t largest_batch = 16384;
+/// Takes 89 ms at 115200 Bps.
+constexpr std::size_t most_unsent_on_paced_line = 1024;
 constexpr std::size_t longest_name = 255;
 constexpr std::size_t crc_step = 65536;
 
@@ -47,6 +49,10 @@ std::uint64_t ZmodemSender::progress() const {
 
 bool ZmodemSender::take_discard() {
   return std::exchange(discard_, false);
+}
+
+std::size_t ZmodemSender::most_unsent() const {
+  return window_.outruns_rate() ? largest_batch : most_unsent_on_paced_line;
 }
 
 void ZmodemSender::cancel(Time) {

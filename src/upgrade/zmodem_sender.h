@@ -18,7 +18,7 @@ namespace orvex {
 /// Sends one file by ZMODEM.
 ///
 /// A receiver that answers while it receives, and names no buffer limit, is asked for answers all
-/// along: no more than 2 KiB (4 KiB on a fast line) are sent without one. Any other receiver gets
+/// along: no more than ZmodemWindow allows are sent without one. Any other receiver gets
 /// segments that fit its buffer, at most 4 KiB, and the answer to each is waited for. Memory: some
 /// 100 KiB at most, whatever the size of the file. No call reads or encodes more than 64 KiB.
 class ZmodemSender final : public FileEngine {
@@ -32,6 +32,7 @@ class ZmodemSender final : public FileEngine {
   void tick(Time now) override;
   std::string transmit(std::size_t room, Time now) override;
   bool take_discard() override;
+  std::size_t most_unsent() const override;
   std::optional<Time> wake() const override;
   void cancel(Time now) override;
   State state() const override { return state_; }

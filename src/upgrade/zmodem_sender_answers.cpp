@@ -101,7 +101,7 @@ void ZmodemSender::on_position(std::uint32_t place, Time now) {
 void ZmodemSender::on_acknowledged(std::uint32_t place, Time now) {
   if (phase_ != Phase::data && phase_ != Phase::end) return;
   if (place > window_.sent_most()) return fail("the scanner acknowledged data that was never sent");
-  if (!window_.acknowledge(place)) return;
+  if (!window_.acknowledge(place, now)) return;
   windowless_ = false;
   last_heard_ = now;
   gained(place, now);

@@ -28,6 +28,8 @@ void ZmodemWindow::restart_at(std::uint64_t place) {
   if (place < sent_most_) repeated_ = true;
   sent_most_ = std::max(sent_most_, place);
   large_ = fast_;
+  outruns_rate_ = false;
+  busy_until_ = Time{};  // what was thrown away takes no time on the line
 }
 
 void ZmodemWindow::sent(std::size_t length, bool answer_asked) {
@@ -41,12 +43,24 @@ void ZmodemWindow::handed_over(std::size_t bytes, Time now) {
   busy_until_ = std::max(busy_until_, now) + byte_time_ * static_cast<std::int64_t>(bytes);
 }
 
-bool ZmodemWindow::acknowledge(std::uint64_t place) {
+bool ZmodemWindow::acknowledge(std::uint64_t place, Time now) {
   if (place <= acknowledged_ || place > offset_) return false;
   acknowledged_ = place;
   ever_acknowledged_ = true;
   if (acknowledged_ == offset_) ran_dry();
+  outruns_rate_ = outruns_rate_ || too_early_for_rate(now);
   return true;
+}
+
+bool ZmodemWindow::too_early_for_rate(Time now) const {
+  // What is not acknowledged may be as much as twice its size on the line.
+  const auto still_to_come = 2 * (offset_ - acknowledged_) + largest_piece;
+  return now < busy_until_ - byte_time_ * static_cast<std::int64_t>(still_to_come);
+}
+
+std::size_t ZmodemWindow::limit() const {
+  if (outruns_rate_) return unpaced;
+  return large_ ? largest : 2 * piece_;
 }
 
 bool ZmodemWindow::has_room(std::size_t length) const {

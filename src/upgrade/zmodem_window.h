@@ -10,11 +10,14 @@ namespace orvex {
 /// What of a file was sent, what the receiver is known to have, and how much more may go before it
 /// answers: 2 pieces at first, so that a repeat costs little. That becomes 4 KiB, until something
 /// has to be repeated, once the line ran dry (answers take long, or this machine is busy), and is
-/// 4 KiB all along above 200 kbit/s.
+/// 4 KiB all along above 200 kbit/s. Where answers prove that bytes reach the receiver in less time
+/// than the rate gives them (a USB device or a pseudo-terminal, for which the rate is a mere
+/// number), a repeat costs next to nothing and it becomes 32 KiB.
 class ZmodemWindow {
  public:
   static constexpr std::size_t largest_piece = 1024;
   static constexpr std::size_t largest = 4096;
+  static constexpr std::size_t unpaced = 32768;
 
   /// `bits_per_second` of the line, 0 where not known. Pieces have 32 to 1024 bytes: below 8,200
   /// bits a second they get smaller, so that each takes about a second.
@@ -30,7 +33,7 @@ class ZmodemWindow {
   /// So many bytes, framing and all, went to the line.
   void handed_over(std::size_t bytes, Time now);
   /// The receiver has all bytes before `place`; false where that is no news.
-  bool acknowledge(std::uint64_t place);
+  bool acknowledge(std::uint64_t place, Time now);
 
   /// Whether `length` bytes more may be sent.
   bool has_room(std::size_t length) const;
@@ -46,9 +49,12 @@ class ZmodemWindow {
   /// The highest offset() so far.
   std::uint64_t sent_most() const { return sent_most_; }
   bool ever_acknowledged() const { return ever_acknowledged_; }
+  /// Whether the line has shown that it is faster than its rate.
+  bool outruns_rate() const { return outruns_rate_; }
 
  private:
-  std::size_t limit() const { return large_ ? largest : 2 * piece_; }
+  std::size_t limit() const;
+  bool too_early_for_rate(Time now) const;
 
   void ran_dry() { large_ = large_ || (!repeated_ && piece_ == largest_piece); }
 
@@ -56,6 +62,7 @@ class ZmodemWindow {
   const Time byte_time_;
   const std::size_t piece_;
   bool large_;
+  bool outruns_rate_ = false;
   Time busy_until_{};  // by the rate of the line
   bool repeated_ = false;
   bool ever_acknowledged_ = false;

@@ -20,6 +20,7 @@ constexpr std::array known_errors{
                "File already open"},
     KnownError{std::errc::io_error, error_number::device_error, "Device I/O error"},
     KnownError{std::errc::no_space_on_device, error_number::disk_full, "Disk full"},
+    KnownError{std::errc::file_too_large, error_number::disk_full, "Disk full"},
     KnownError{std::errc::permission_denied, error_number::permission_denied, "Permission denied"},
     KnownError{std::errc::operation_not_permitted, error_number::permission_denied,
                "Permission denied"},

@@ -239,7 +239,7 @@ TEST(Session, files_that_are_no_setup_come_to_an_end_with_the_window_alive) {
   } files[]{{"starts", '\x01', {}},
             {"text", 'x', {}},
             {"endless", 0, {"Error: Error # 75 Path/File access error"}},
-            {"beyond", 0, {"Error: Error # 1027 File too large"}}};
+            {"beyond", 0, {"Error: Error # 1012 Cannot allocate memory"}}};
   QElapsedTimer since_turn;
   qint64 longest_ms = 0;
   QTimer turns;

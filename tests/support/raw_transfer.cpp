@@ -24,6 +24,7 @@ class Sender final : public FileEngine {
     if (state_ == State::complete) progress_ = total();
   }
   void tick(Time) override {}
+  std::size_t most_unsent() const override { return 1024; }
   bool take_discard() override { return std::exchange(discard_, false); }
   std::string transmit(std::size_t room, Time) override {
     if (state_ == State::running && pending_.empty() && sent_ < total()) fetch(room);

@@ -18,8 +18,8 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr double twips_in_inch = 1440;
-/// A wait that doesn't sleep draws no more often than this.
-constexpr Time draw_step = 10ms;
+/// A wait that doesn't sleep, and what comes from the line, draws no more often than this.
+constexpr Time draw_step = 33ms;
 
 double dots_per_inch() {
   return QGuiApplication::primaryScreen()->logicalDotsPerInch();

@@ -220,7 +220,7 @@ void measure_streams() {
            static_cast<double>(mebibytes);
   };
   const double one = seconds_a_mebibyte(1);
-  std::printf("| (Apply_Stream on 1 MiB of frames | %.3g ms | | |)\n", one * 1000);
+  std::printf("| Apply_Stream on 1 MiB of frames | %.3g ms | | |\n", one * 1000);
   print_row("Apply_Stream a MiB, 10 MiB over 1 MiB", seconds_a_mebibyte(10) / one, "times", 1.2);
   print_row("Apply_Stream a MiB, 100 MiB over 1 MiB", seconds_a_mebibyte(100) / one, "times", 1.2);
 }

@@ -31,16 +31,19 @@ RelayedLine::RelayedLine(int from, int to, LineKind kind)
 }
 
 void RelayedLine::pump(Time now) {
+  if (kind_.dies_after > Time{}) dies_at_ = std::min(dies_at_, now + kind_.dies_after);
+  dead_ = dead_ || now >= dies_at_;
   take(now);
   deliver(now);
 }
 
 void RelayedLine::take(Time now) {
   std::array<char, 4096> buffer;
-  while (!source_gone_ && under_way_.size() < 65536 && (idle_ || next_take() <= now)) {
+  while (!source_gone_ && !dead_ && under_way_.size() < 65536 && (idle_ || next_take() <= now)) {
     const ssize_t got = read(from_, buffer.data(), chunk_);
     if (got <= 0) {
       source_gone_ = got == 0 || errno != EAGAIN;
+      if (source_gone_) source_left_at_ = now;
       idle_ = true;
       return;
     }
@@ -81,7 +84,7 @@ Time RelayedLine::next_take() const {
 }
 
 Time RelayedLine::next_due() const {
-  Time due = idle_ || source_gone_ ? Time::max() : next_take();
+  Time due = idle_ || source_gone_ || dead_ ? Time::max() : next_take();
   if (!under_way_.empty()) due = std::min(due, under_way_.front().first);
   return due;
 }

@@ -15,6 +15,7 @@ struct LineKind {
   Time latency{};              ///< Between the last bit of a byte and its arrival.
   std::size_t flip_every = 0;  ///< One bit of each so many bytes is turned; 0: none.
   std::size_t drop_every = 0;  ///< One of each so many bytes is lost; 0: none.
+  Time dies_after{};           ///< From its first pump on; nothing comes through then. 0: never.
   std::size_t buffer = 0;      ///< Bytes taken from the source ahead of the line, as adapters do.
 };
 
@@ -30,11 +31,13 @@ class RelayedLine {
   Time next_due() const;
   bool idle() const { return idle_; }
   /// The source is gone and all its bytes have arrived.
-  bool over() const { return source_gone_ && under_way_.empty(); }
+  bool over() const { return (source_gone_ || dead_) && under_way_.empty(); }
   int source() const { return from_; }
   std::size_t bytes() const { return bytes_; }
   /// When the last byte so far had left the source.
   Time last_byte() const { return last_byte_; }
+  Time dies_at() const { return dies_at_; }
+  Time source_left_at() const { return source_left_at_; }
 
  private:
   void take(Time now);
@@ -48,6 +51,9 @@ class RelayedLine {
   const std::size_t chunk_;
   bool idle_ = true;
   bool source_gone_ = false;
+  bool dead_ = false;
+  Time dies_at_ = Time::max();
+  Time source_left_at_{};
   Time free_at_{};
   Time last_byte_{};
   std::size_t bytes_ = 0;

@@ -15,7 +15,6 @@
 #include "bench/figures.h"
 #include "setup/scanner_setup.h"
 #include "support/desk.h"
-#include "upgrade/zmodem_desk.h"
 
 namespace orvex::bench {
 namespace {
@@ -100,7 +99,7 @@ void transact(test::Bench& bench, Random& random, Tally& tally) {
 }
 
 void upload(Random& random, Tally& tally) {
-  test::ZmodemDesk desk;
+  test::Desk desk;
   desk.start();
   const std::size_t size = 109 + random() % largest_image;
   const std::string image = test::random_image(size, static_cast<std::uint32_t>(random()));
@@ -108,13 +107,13 @@ void upload(Random& random, Tally& tally) {
   const LineDamage to_scanner = damaged ? random_damage(random, 8) : LineDamage{};
   const LineDamage to_tool = damaged ? random_damage(random, 6) : LineDamage{};
   bool under_way = false;
-  desk.taken = [&] {
+  desk.loading.taken = [&] {
     if (!under_way) {
       desk.line.to_scanner = to_scanner;
       desk.line.to_tool = to_tool;
       under_way = true;
     }
-    if (desk.receiver.over || desk.receiver.cancelled) {
+    if (desk.loading.receiver.over || desk.loading.receiver.cancelled) {
       tally.bytes_hit += desk.line.to_scanner.hits() + desk.line.to_tool.hits();
       desk.line.to_scanner = desk.line.to_tool = {};
     }
@@ -127,13 +126,14 @@ void upload(Random& random, Tally& tally) {
   ++tally.uploads;
   tally.damaged_uploads += damaged;
   tally.bytes_sent += desk.line.bytes_written;
-  const bool accepted = desk.receiver.over;
+  const bool accepted = desk.loading.receiver.over;
   const bool complete = desk.windows.box_texts().find("[RESTART the scanner") != std::string::npos;
   tally.accepted += accepted;
   tally.complete += complete;
   require(under_way && !desk.program.forms.form3.Loaded, "an upload with an end", tally);
-  require(!accepted || desk.receiver.file == image, "an accepted file that is the one sent", tally);
-  require(!complete || desk.receiver.file == image, "a complete load that is whole", tally);
+  require(!accepted || desk.loading.receiver.file == image, "an accepted file that is the one sent",
+          tally);
+  require(!complete || desk.loading.receiver.file == image, "a complete load that is whole", tally);
   require(complete || !accepted, "an accepted file that the tool knows of", tally);
   require(damaged || (accepted && complete), "a good line that loads", tally);
 }

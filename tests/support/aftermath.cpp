@@ -1,7 +1,5 @@
 #include "support/aftermath.h"
 
-#include <cstdio>
-
 #include "setup/apply.h"
 
 namespace orvex::test {
@@ -25,11 +23,6 @@ bool recovers(Desk& desk) {
   ScannerSetup setup;
   Apply_Stream(setup, desk.scanner.parameters.frames(), [] {});
   return desk.windows.boxes.empty() && desk.panel(2).empty() && desk.program.setup == setup;
-}
-
-void print_row(const char* job, const char* fault, const std::string& outcome,
-               const std::string& port) {
-  std::printf("%-8s %-40s %-50s %s\n", job, fault, outcome.c_str(), port.c_str());
 }
 
 }  // namespace orvex::test

@@ -14,8 +14,4 @@ std::string left_behind(Desk& desk, const ScannerSetup& before);
 /// scanner's setup into the record. A scanner that still takes a file is restarted first.
 bool recovers(Desk& desk);
 
-/// Prints a row of the table of faults, with what panel 1 shows of the port.
-void print_row(const char* job, const char* fault, const std::string& outcome,
-               const std::string& port);
-
 }  // namespace orvex::test

@@ -14,26 +14,12 @@ const std::string cancel_question = "[Do you want to CANCEL the file transfer?]"
 const std::string restart_box =
     "[RESTART the scanner by DISCONNET and RECONNECT the power cable/then press OK to continue]";
 
-std::string image(std::size_t size, const std::string& version = "4.00   ") {
-  std::string bytes(size, '\0');
-  for (std::size_t i = 0; i < size; ++i) bytes[i] = static_cast<char>(i * 7);
-  bytes.replace(48, 8, "00001234").replace(64, 4, "BEEF");
-  return bytes.replace(80, 7, version).replace(96, 11, "01 Jan 2026");
-}
-
 struct UpgradeTest : testing::Test, Desk {
   UpgradeTest() {
     start();
     line.frames.clear();
-    scanner.options.restarts_itself = true;
   }
-  /// The load of an image up to the return of the click, with Yes to the question.
-  void load(std::size_t size = 2000) {
-    windows.files = {folder.write("image.bin", image(size))};
-    windows.answers.push_front({Answer::yes});
-    press(&Program::mnuload_Click, load_item);
-  }
-  void choose_fast_load() { press(&Program::mnuload_Click, fast_item); }
+  void load(std::size_t size, bool fast = false) { Desk::load(random_image(size, 1), fast); }
   void cancel_at(Time time) {
     windows.at(time, [&] {
       windows.answers.push_front({Answer::yes});
@@ -45,9 +31,12 @@ struct UpgradeTest : testing::Test, Desk {
 
 TEST_F(UpgradeTest, a_complete_load_ends_in_restart_scan_and_receive) {
   scanner.options.start_up_rate = 4800;
-  const std::string bytes = image(2000);
   windows.answers = {{Answer::ok, 3s}};
-  load();
+  Time ended{};
+  loading.taken = [&] {
+    if (loading.receiver.over) ended = now();
+  };
+  load(2000);
   EXPECT_EQ(form3().Text1, " 00001234");
   EXPECT_EQ(form3().Text2, " BEEF");
   EXPECT_EQ(form3().Text3, " 4.00   ");
@@ -56,43 +45,27 @@ TEST_F(UpgradeTest, a_complete_load_ends_in_restart_scan_and_receive) {
   EXPECT_EQ(panel(2), "");
   EXPECT_EQ(buttons(), "SRFW");
   windows.idle(20s);
-  EXPECT_EQ(scanner.loaded_file(), bytes);
+  EXPECT_EQ(scanner.loaded_file(), random_image(2000, 1));
   EXPECT_EQ(windows.box_texts(), question + restart_box);
   EXPECT_EQ(windows.boxes[1].box.icon, Icon::information);
   EXPECT_EQ(windows.boxes[1].box.title, "Restart");
-  EXPECT_GE(windows.boxes[1].at - transfer.ended, 7s);
-  EXPECT_LE(windows.boxes[1].at - transfer.ended, 8s);
+  EXPECT_GE(windows.boxes[1].at - ended, 7s);
+  EXPECT_LE(windows.boxes[1].at - ended, 8s);
   EXPECT_FALSE(form3().Loaded);
   EXPECT_EQ(panel(1), "Settings: 4800,N,8,1  Com Port: 1");
   EXPECT_EQ(form1().labRevision[1].Caption, " 4.00   ");
   EXPECT_FALSE(form1().Timer1.Enabled());
 }
 
-TEST_F(UpgradeTest, a_fast_load_changes_the_rate_between_the_query_and_the_load_tag) {
-  choose_fast_load();
-  load(20000);
-  ASSERT_EQ(line.frames.size(), 3U);
-  const std::pair<std::string, int> wire[]{
-      {"<APP1RV:>", 9600}, {"<RSBAUD=115200>", 9600}, {"<A1CODE=Z>", 115200}};
-  for (std::size_t i = 0; i < 3; ++i) {
-    EXPECT_EQ(line.frames[i].text, wire[i].first);
-    EXPECT_EQ(line.frames[i].baud, wire[i].second);
-  }
-  EXPECT_EQ(program.setup.value(Field::RSBAUD), "9600");
-  windows.idle(20s);
-  EXPECT_EQ(scanner.loaded_file(), image(20000));
-  EXPECT_EQ(panel(1), "Settings: 9600,N,8,1  Com Port: 1");
-}
-
 TEST_F(UpgradeTest, the_bar_and_the_pictures_follow_the_transfer) {
-  load(4000);
+  load(6000);
   windows.idle(1950ms);
   EXPECT_TRUE(form3().ProgressBar1.Visible);
-  EXPECT_EQ(form3().ProgressBar1.Max, 4000);
-  EXPECT_NEAR(form3().ProgressBar1.Value, 2500, 1000);
+  EXPECT_EQ(form3().ProgressBar1.Max, 6000);
+  EXPECT_EQ(form3().ProgressBar1.Value, 1024);
   EXPECT_EQ(form3().Picture1, 1) << "nineteen ticks over eighteen cells";
-  windows.idle(5s);
-  EXPECT_EQ(form3().ProgressBar1.Value, 4000);
+  windows.idle(7s);
+  EXPECT_EQ(form3().ProgressBar1.Value, 6000);
 }
 
 TEST_F(UpgradeTest, a_cancel_in_any_phase_closes_the_window_and_leaves_a_link_that_works) {
@@ -121,7 +94,7 @@ TEST_F(UpgradeTest, a_cancel_in_any_phase_closes_the_window_and_leaves_a_link_th
     desk.line.frames.clear();
     if (row.fast) desk.press(&Program::mnuload_Click, fast_item);
     desk.scanner.faults = {.only = row.slow, .late_acks = 1, .late_by = 900ms};
-    desk.windows.files = {desk.folder.write("image.bin", image(20000))};
+    desk.windows.files = {desk.folder.write("image.bin", random_image(20000, 1))};
     desk.windows.answers = {{Answer::yes, 100ms}, {Answer::yes}};
     desk.windows.at(desk.now() + row.at, [&] { desk.program.Form3_Command1_Click(); });
     desk.press(&Program::mnuload_Click, load_item);
@@ -130,6 +103,7 @@ TEST_F(UpgradeTest, a_cancel_in_any_phase_closes_the_window_and_leaves_a_link_th
     EXPECT_EQ(desk.windows.box_texts(), question + cancel_question);
     EXPECT_EQ(desk.line.texts(), row.wire);
     EXPECT_EQ(desk.line.settings.baud, 9600);
+    EXPECT_EQ(desk.loading.receiver.cancelled, desk.loading.started == 1);
     desk.scanner.faults = {};
     desk.scanner.restart();
     desk.windows.answers = {{Answer::cancel}};
@@ -141,8 +115,7 @@ TEST_F(UpgradeTest, a_cancel_in_any_phase_closes_the_window_and_leaves_a_link_th
 
 TEST_F(UpgradeTest, a_cancel_while_all_settles_is_one_all_the_same) {
   scanner.options.restarts_itself = false;  // deaf, so that telling it the old rate takes 3 s
-  choose_fast_load();
-  load(500);
+  load(500, true);
   cancel_at(now() + 6s);
   windows.idle(20s);
   EXPECT_EQ(windows.box_texts(), question + cancel_question);
@@ -161,34 +134,6 @@ TEST_F(UpgradeTest, no_to_the_cancel_changes_nothing_and_the_verdict_takes_the_q
   EXPECT_EQ(windows.box_texts(), question + cancel_question + cancel_question + restart_box);
   EXPECT_EQ(windows.boxes[2].answer, Answer::no);
   EXPECT_EQ(form1().labRevision[1].Caption, " 4.00   ");
-}
-
-TEST_F(UpgradeTest, a_load_that_the_scanner_gives_up_ends_in_silence) {
-  transfer.fails_at = 400;
-  choose_fast_load();
-  load();
-  windows.idle(10s);
-  EXPECT_FALSE(form3().Loaded);
-  EXPECT_EQ(windows.box_texts(), question);
-  EXPECT_EQ(line.settings.baud, 115200) << "only a cancel goes back";
-}
-
-TEST_F(UpgradeTest, a_stalled_load_stands_until_the_user_ends_it) {
-  transfer.stalls_at = 100;
-  load();
-  cancel_at(now() + 2h);
-  windows.idle(3h);
-  EXPECT_EQ(windows.box_texts(), question + cancel_question);
-  EXPECT_FALSE(form3().Loaded);
-  EXPECT_EQ(transfer.cancelled, 1);
-}
-
-TEST_F(UpgradeTest, a_line_lost_in_the_transfer_ends_in_silence) {
-  load();
-  windows.at(now() + 1s, [&] { line.unplug(); });
-  windows.idle(12s);
-  EXPECT_FALSE(form3().Loaded);
-  EXPECT_EQ(windows.box_texts(), question);
 }
 
 TEST_F(UpgradeTest, ends_before_the_transfer_close_the_window_and_say_no_more_than_they_must) {
@@ -215,14 +160,14 @@ TEST_F(UpgradeTest, ends_before_the_transfer_close_the_window_and_say_no_more_th
       {"folder", ".", "", "", Answer::yes, "[Error # 75 Path/File access error]", ""},
       {"cancelled", "", "", "", Answer::yes, "", ""},
   };
-  choose_fast_load();
+  press(&Program::mnuload_Click, fast_item);
   folder.write("short", std::string(108, '1'));
   for (const auto& row : table) {
     SCOPED_TRACE(row.name);
     windows.boxes.clear();
     line.frames.clear();
     scanner.faults = {.only = row.fails, .refused = *row.fails != '\0' ? 3 : 0};
-    if (!row.version.empty()) folder.write("fw", image(300, row.version + "   "));
+    if (!row.version.empty()) folder.write("fw", random_image(300, 1, row.version + "   "));
     windows.files = {*row.image_name != '\0' ? std::optional(folder / row.image_name)
                                              : std::nullopt};
     windows.answers = {{row.answer}};
@@ -230,17 +175,16 @@ TEST_F(UpgradeTest, ends_before_the_transfer_close_the_window_and_say_no_more_th
     EXPECT_EQ(windows.box_texts(), row.boxes);
     EXPECT_EQ(line.texts(), row.wire);
     EXPECT_FALSE(form3().Loaded);
-    EXPECT_EQ(transfer.started, 0);
+    EXPECT_EQ(loading.started, 0);
     windows.idle(10s);
   }
   EXPECT_EQ(line.settings.baud, 115200) << "nothing sets the rate back behind a refused load tag";
 }
 
 TEST_F(UpgradeTest, an_image_that_goes_before_the_transfer_ends_in_a_box) {
-  windows.files = {folder.write("image.bin", image(500))};
-  windows.answers = {{Answer::yes, 1s}};
-  windows.at(now() + 500ms, [&] { std::filesystem::remove(folder / "image.bin"); });
-  press(&Program::mnuload_Click, load_item);
+  windows.answers = {{Answer::yes}};
+  windows.at(now() + 10ms, [&] { std::filesystem::remove(folder / "image.bin"); });
+  load(500);
   EXPECT_EQ(windows.box_texts(), question + "[Error # 53 File not found]");
   EXPECT_FALSE(form3().Loaded);
   windows.idle(10s);
@@ -263,30 +207,11 @@ TEST_F(UpgradeTest, nothing_else_starts_while_a_load_runs) {
   EXPECT_EQ(scanner.loaded_file().size(), 4000U);
 }
 
-TEST_F(UpgradeTest, a_cancel_without_saved_settings_closes_the_window_all_the_same) {
-  load();
-  choose_fast_load();
-  cancel_at(now() + 500ms);
-  windows.idle(1s);
-  EXPECT_FALSE(form3().Loaded);
-  EXPECT_EQ(line.texts(), "<APP1RV:><A1CODE=Z>");
-}
-
-TEST_F(UpgradeTest, a_scan_that_finds_nothing_after_the_load_ends_it_there) {
-  scanner.options.restarts_itself = false;  // nobody restarts it, so it stays deaf
-  load(500);
-  windows.answers = {{Answer::cancel}};
-  windows.idle(20s);
-  EXPECT_EQ(windows.box_texts(), question + restart_box + "[Connection Failed]");
-  EXPECT_FALSE(line.is_open());
-  EXPECT_EQ(line.frames.size(), 10U) << "a query, a load tag and eight pings";
-}
-
 TEST_F(UpgradeTest, the_window_close_control_stops_the_transfer) {
-  load();
+  load(2000);
   windows.at(now() + 700ms, [&] { program.Form3_Close(); });
   windows.idle(10s);
-  EXPECT_EQ(transfer.cancelled, 1);
+  EXPECT_TRUE(loading.receiver.cancelled);
   EXPECT_FALSE(form3().Loaded);
   EXPECT_EQ(windows.box_texts(), question);
   press(&Program::cmdReceive_Click);
@@ -298,8 +223,7 @@ TEST_F(UpgradeTest, the_process_can_end_at_any_moment_of_a_load) {
     for (Time after = 0ms; after < 14s; after += 470ms) {
       Desk desk;
       desk.start();
-      desk.scanner.options.restarts_itself = true;
-      desk.windows.files = {desk.folder.write("image.bin", image(2000))};
+      desk.windows.files = {desk.folder.write("image.bin", random_image(2000, 1))};
       desk.windows.answers = {{Answer::yes, 400ms}, {Answer::ok, 2s}};
       const Time moment = desk.now() + after;
       desk.windows.at(moment,
@@ -332,18 +256,12 @@ TEST_F(UploadWindowTest, a_count_never_overshoots_and_none_is_never_complete) {
 TEST_F(UploadWindowTest, the_data_events_are_off_while_it_stands_and_come_back) {
   MSComm1.RThreshold(3);
   MSComm1.SThreshold(4);
-  for (const Answer answer : {Answer::no, Answer::yes}) {
-    scanner.faults.refused = simulator::always;
-    windows.files = {folder.write("image.bin", image(200))};
-    windows.answers = {{answer, 1s}};
-    windows.at(now() + 500ms, [&] {
-      EXPECT_EQ(MSComm1.RThreshold(), 0);
-      EXPECT_EQ(MSComm1.SThreshold(), 0);
-    });
-    upgrade.mnuload_Click(load_item);
-    EXPECT_EQ(MSComm1.RThreshold(), 3);
-    EXPECT_EQ(MSComm1.SThreshold(), 4);
-  }
+  windows.files = {folder.write("image.bin", random_image(200, 1))};
+  windows.answers = {{Answer::no, 1s}};
+  windows.at(500ms, [&] { EXPECT_EQ(MSComm1.RThreshold() + MSComm1.SThreshold(), 0); });
+  upgrade.mnuload_Click(load_item);
+  EXPECT_EQ(MSComm1.RThreshold(), 3);
+  EXPECT_EQ(MSComm1.SThreshold(), 4);
 }
 
 }  // namespace

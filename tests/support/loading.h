@@ -3,22 +3,23 @@
 #include <functional>
 #include <string>
 
-#include "support/desk.h"
+#include "link/serial_control.h"
+#include "simulator/loader.h"
 #include "upgrade/scripted_receiver.h"
 
 namespace orvex::test {
 
-/// The whole tool with its ZMODEM sender, at a scanner that takes files by the scripted receiver.
-struct ZmodemDesk : Desk {
-  ZmodemDesk();
-
-  /// A load from the menu to the return of the click, with Yes to the first question.
-  void load(const std::string& image, bool fast);
-
+/// Uploads between the tool's ZMODEM sender and a scripted receiver in the scanner.
+struct Loading {
   ReceiverScript script;  ///< of the receivers to come
   /// Called as the receiver has taken something, inside the line's turn.
   std::function<void()> taken = [] {};
   ScriptedReceiver receiver{ReceiverScript{}};  ///< the last one
+  int started = 0;                              ///< transfers that the tool has begun
+
+  /// Both refer to this object.
+  EngineFactory sender();
+  simulator::MakeLoader loader();
 };
 
 /// A firmware image of this revision whose bytes look random, of `size` > 108 bytes.

@@ -1,5 +1,3 @@
-
-
 #include <gtest/gtest.h>
 
 #include "support/desk.h"
@@ -90,17 +88,6 @@ TEST_F(ScanTest, each_rate_is_found_at_its_try) {
       EXPECT_EQ(desk.windows.box_texts(), "");
     }
   }
-}
-
-TEST_F(ScanTest, noise_ahead_of_the_ack_is_skipped_and_noise_alone_is_no_answer) {
-  scanner.faults.junk_before_ack = std::string(100, '\xF8');
-  start();
-  EXPECT_EQ(line.frames[1].text, "<APP1RV:>");
-  Desk noisy;
-  noisy.scanner.faults = {.silent = simulator::always, .junk_at_wrong_rate = true};
-  noisy.windows.answers = {{Answer::cancel}};
-  noisy.start();
-  EXPECT_EQ(noisy.windows.boxes[0].at, 4s);
 }
 
 TEST_F(ScanTest, retry_opens_the_port_again_and_starts_at_9600_behind_the_splash_window) {

@@ -62,17 +62,5 @@ TEST(PortStore, a_first_start_creates_the_file_and_one_that_cannot_goes_on_witho
   EXPECT_FALSE(save_ini(other, 2, "9600,N,8,1"));
 }
 
-TEST(PortStore, a_saved_line_reads_back_whole) {
-  const TemporaryFolder folder;
-  PortState state;
-  Load_Ini(state, folder.path());
-  EXPECT_TRUE(save_ini(state, 4, "115200,N,8,1"));
-  EXPECT_EQ(content(state.IniPath), "PORTCOM=4;PORTSET=115200,N,8,1;SUPPSET=;\r\n");
-  PortState next;
-  Load_Ini(next, folder.path());
-  EXPECT_EQ(next.PortCom, "4");
-  EXPECT_EQ(next.PortSet, "115200,N,8,1");
-}
-
 }  // namespace
 }  // namespace orvex::test

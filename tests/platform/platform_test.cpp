@@ -56,6 +56,8 @@ TEST(ReplaceFile, leaves_the_old_file_and_no_other_where_it_fails) {
   EXPECT_FALSE(platform::replace_file("/dev/null", "new"));
   EXPECT_EQ(content(folder / "file"), "old");
   EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), {}), 2);
+  const auto read_only_disk = std::make_error_code(std::errc::read_only_file_system);
+  EXPECT_EQ(error_of(read_only_disk).number, error_number::permission_denied);
 }
 
 TEST(InputFile, takes_regular_files_alone_and_waits_for_none) {

@@ -82,13 +82,6 @@ TEST_F(ProgramTest, the_process_can_end_at_any_moment_of_any_job) {
   EXPECT_FALSE(form1().Visible) << "the window had not come up yet";
 }
 
-TEST_F(ProgramTest, the_menu_item_leaves_the_port_to_the_end_of_the_process) {
-  start();
-  press(&Program::mnuexit_Click);
-  EXPECT_TRUE(windows.ended);
-  EXPECT_TRUE(line.is_open());
-}
-
 TEST_F(ProgramTest, the_web_button_wants_an_open_port_and_an_address) {
   start();
   press(&Program::cmdWeb_Click);

@@ -2,12 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <memory>
 #include <string>
 
+#include "support/temporary_folder.h"
 #include "upgrade/real_peer.h"
 #include "upgrade/zmodem_course.h"
 #include "upgrade/zmodem_sender.h"
@@ -18,23 +16,13 @@ namespace {
 using namespace std::chrono_literals;
 using State = FileEngine::State;
 
-class ZmodemToRz : public testing::Test {
- protected:
-  ZmodemToRz() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "uploadXXXXXX").string();
-    folder_ = mkdtemp(pattern.data());
-  }
-  ~ZmodemToRz() override { std::filesystem::remove_all(folder_); }
-
+struct ZmodemToRz : testing::Test {
   pid_t start_rz(const Pty& pty) {
-    return start_on(pty.slave(), folder_, {"rz", "--binary", "--overwrite", "-q"});
+    return start_on(pty.slave(), folder.path(), {"rz", "--binary", "--overwrite", "-q"});
   }
-  std::string received() const {
-    std::ifstream file(std::filesystem::path(folder_) / "scanner.bin", std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
+  std::string received() const { return content(folder / "scanner.bin"); }
 
-  std::string folder_;
+  TemporaryFolder folder;
 };
 
 TEST_F(ZmodemToRz, files_arrive_byte_for_byte) {

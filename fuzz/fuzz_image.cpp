@@ -3,8 +3,8 @@
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include "fuzz/require.h"
-#include "support/desk.h"
 #include "upgrade/guards.h"
+#include "virtual/desk.h"
 #include "window/run_time_error.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -4,7 +4,7 @@
 
 #include "fuzz/require.h"
 #include "link/port_store.h"
-#include "support/temporary_folder.h"
+#include "virtual/temporary_folder.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using orvex::fuzz::require;

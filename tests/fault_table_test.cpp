@@ -4,7 +4,7 @@
 
 #include <array>
 
-#include "support/aftermath.h"
+#include "aftermath.h"
 
 namespace orvex::test {
 namespace {

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "support/desk.h"
+#include "virtual/desk.h"
 
 namespace orvex::test {
 namespace {

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "link/frame.h"
-#include "support/desk.h"
+#include "virtual/desk.h"
 
 namespace orvex::test {
 namespace {

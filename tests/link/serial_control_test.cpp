@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/desk.h"
+#include "virtual/desk.h"
 
 namespace orvex::test {
 namespace {

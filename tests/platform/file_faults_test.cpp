@@ -11,7 +11,7 @@
 
 #include "link/port_store.h"
 #include "platform/platform.h"
-#include "support/temporary_folder.h"
+#include "virtual/temporary_folder.h"
 #include "window/run_time_error.h"
 
 namespace orvex::test {

@@ -7,7 +7,7 @@
 #include <iterator>
 
 #include "platform/linux_ports.h"
-#include "support/temporary_folder.h"
+#include "virtual/temporary_folder.h"
 #include "window/run_time_error.h"
 
 namespace orvex::test {

@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "setupfiles/symbols.h"
-#include "support/temporary_folder.h"
-#include "support/virtual_windows.h"
+#include "virtual/temporary_folder.h"
+#include "virtual/virtual_windows.h"
 
 namespace orvex::test {
 namespace {

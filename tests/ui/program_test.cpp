@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "support/desk.h"
 #include "ui/web_address.h"
+#include "virtual/desk.h"
 
 namespace orvex::test {
 namespace {

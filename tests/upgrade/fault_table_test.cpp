@@ -2,7 +2,7 @@
 // scanner has got, and that a scan and a receive put all right once the fault is gone.
 #include <gtest/gtest.h>
 
-#include "support/aftermath.h"
+#include "aftermath.h"
 
 namespace orvex::test {
 namespace {

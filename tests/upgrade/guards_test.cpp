@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "support/desk.h"
 #include "upgrade/image_header.h"
+#include "virtual/desk.h"
 
 namespace orvex::test {
 namespace {

@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "link/file_engine.h"
-#include "upgrade/scripted_receiver.h"
+#include "virtual/scripted_receiver.h"
 #include "window/clock.h"
 
 namespace orvex::test {

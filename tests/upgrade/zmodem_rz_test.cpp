@@ -5,10 +5,10 @@
 #include <memory>
 #include <string>
 
-#include "support/temporary_folder.h"
-#include "upgrade/real_peer.h"
 #include "upgrade/zmodem_course.h"
 #include "upgrade/zmodem_sender.h"
+#include "virtual/real_peer.h"
+#include "virtual/temporary_folder.h"
 
 namespace orvex::test {
 namespace {

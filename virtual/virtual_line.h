@@ -9,7 +9,7 @@
 #include "link/line.h"
 #include "simulator/line_damage.h"
 #include "simulator/scanner.h"
-#include "support/virtual_windows.h"
+#include "virtual/virtual_windows.h"
 
 namespace orvex::test {
 

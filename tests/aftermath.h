@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "support/desk.h"
+#include "virtual/desk.h"
 
 namespace orvex::test {
 

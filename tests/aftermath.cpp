@@ -1,4 +1,4 @@
-#include "support/aftermath.h"
+#include "aftermath.h"
 
 #include "setup/apply.h"
 

@@ -1,4 +1,4 @@
-#include "upgrade/real_peer.h"
+#include "virtual/real_peer.h"
 
 #include <fcntl.h>
 #include <poll.h>

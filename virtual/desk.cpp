@@ -1,4 +1,4 @@
-#include "support/desk.h"
+#include "virtual/desk.h"
 
 namespace orvex::test {
 

@@ -1,4 +1,4 @@
-#include "support/temporary_folder.h"
+#include "virtual/temporary_folder.h"
 
 #include <cstdlib>
 #include <fstream>

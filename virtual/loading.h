@@ -5,7 +5,7 @@
 
 #include "link/serial_control.h"
 #include "simulator/loader.h"
-#include "upgrade/scripted_receiver.h"
+#include "virtual/scripted_receiver.h"
 
 namespace orvex::test {
 

@@ -4,11 +4,11 @@
 
 #include "setup/setup_jobs.h"
 #include "simulator/scanner.h"
-#include "support/loading.h"
-#include "support/temporary_folder.h"
-#include "support/virtual_line.h"
-#include "support/virtual_windows.h"
 #include "ui/program.h"
+#include "virtual/loading.h"
+#include "virtual/temporary_folder.h"
+#include "virtual/virtual_line.h"
+#include "virtual/virtual_windows.h"
 
 namespace orvex::test {
 

@@ -37,7 +37,8 @@ struct ShownBox {
 };
 
 /// A window system on a virtual clock, with a user who follows a script. Nothing sleeps: the pump
-/// moves the clock to the next event. A test that would hang ends by an exception.
+/// moves the clock to the next event. A script that would hang, or leaves a question without an
+/// answer, ends by a std::logic_error.
 class VirtualWindows final : public WindowSystem {
  public:
   // The script.

@@ -1,4 +1,4 @@
-#include "support/virtual_line.h"
+#include "virtual/virtual_line.h"
 
 #include <algorithm>
 #include <array>

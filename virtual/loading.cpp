@@ -1,4 +1,4 @@
-#include "support/loading.h"
+#include "virtual/loading.h"
 
 #include <memory>
 #include <random>

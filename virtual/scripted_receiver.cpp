@@ -1,4 +1,4 @@
-#include "upgrade/scripted_receiver.h"
+#include "virtual/scripted_receiver.h"
 
 #include "upgrade/zmodem_crc.h"
 

@@ -169,6 +169,13 @@ TEST_F(ExchangeTest, the_revision_number_is_made_of_characters_one_three_and_fou
   }
 }
 
+TEST_F(ExchangeTest, the_first_query_sets_the_number_and_leaves_the_label) {
+  state.StartUpQuery = -1;
+  EXPECT_EQ(send("<APP1RV:>"), 1);
+  EXPECT_EQ(state.App1RevNumber, 322);
+  EXPECT_EQ(forms.form1.labRevision[1].Caption, "");
+}
+
 TEST_F(ExchangeTest, a_port_that_fails_shows_one_box_and_gives_0_at_once) {
   MSComm1.PortOpen(false);
   EXPECT_EQ(send("<HARDRV:>"), 0);

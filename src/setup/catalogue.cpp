@@ -64,9 +64,9 @@ constexpr FrameLayout layout[]{
     // name, caption, tab, inside, row, column, row span, option columns
     {"Frame18", "Power Saving Mode",              1, "",        0, 0, 1, 1},
     {"Frame4",  "Baud Rate",                      2, "",        0, 0, 2, 2},
-    {"Frame3",  "Parity Bits",                    2, "",        2, 0, 1, 3},
     {"Frame1",  "Data Bits",                      2, "",        0, 1, 1, 2},
     {"Frame2",  "Stop Bits",                      2, "",        1, 1, 1, 2},
+    {"Frame3",  "Parity Bits",                    2, "",        2, 0, 1, 3},
     {"Frame20", "CTS / RTS",                      2, "",        2, 1, 1, 2},
     {"Frame9",  "Character Delay",                2, "",        3, 0, 1, 1},
     {"Frame10", "Speaker Volume",                 3, "",        0, 0, 2, 1},

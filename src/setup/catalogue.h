@@ -79,7 +79,8 @@ inline const Parameter& parameter(Field field) {
   return parameters()[static_cast<std::size_t>(field)];
 }
 
-/// All frames with parameters in them, and those around them; outer frames come first.
+/// All frames with parameters in them, and those around them, in the order of the Tab key; outer
+/// frames come first.
 std::span<const FrameLayout> frames();
 
 }  // namespace orvex

@@ -1,13 +1,11 @@
 #pragma once
 
 #include <QMainWindow>
-#include <functional>
-#include <vector>
 
 #include "ui/program.h"
+#include "ui/qt/focus_keeper.h"
 #include "ui/qt/qt_windows.h"
 
-class QGridLayout;
 class QHBoxLayout;
 
 namespace orvex {
@@ -22,13 +20,13 @@ class MainWindow final : public QMainWindow {
 
  private:
   QWidget* make_tabs();
-  void add_symbol_pickers(const std::vector<QWidget*>& pages);
   QHBoxLayout* make_buttons();
   QSize size_for_pages() const;
   void bind_geometry();
 
   QtWindows& windows_;
   Program& program_;
+  FocusKeeper focus_keeper_;
 };
 
 }  // namespace orvex

@@ -51,6 +51,7 @@ void ManualDialog::add_combo(QFormLayout& form, const char* name, const char* ca
   combo->setCompleter(nullptr);
   for (const char* item : list) combo->addItem(item);
   combo->setAccessibleName(caption);
+  combo->lineEdit()->setAccessibleName(caption);
   form.addRow(caption, combo);
   connect(combo, &QComboBox::editTextChanged, this, [this, combo, &record](const QString& text) {
     windows_.handle([&] {
@@ -81,6 +82,7 @@ void ManualDialog::show_as(bool visible) {
   if (visible) {
     adjustSize();
     move(screen()->geometry().center() - rect().center());
+    findChild<QWidget*>("Combo1")->setFocus();
   }
   setVisible(visible);
 }

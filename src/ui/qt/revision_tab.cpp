@@ -2,6 +2,7 @@
 
 #include <QGridLayout>
 #include <QLabel>
+#include <QPainter>
 #include <QPushButton>
 #include <functional>
 
@@ -18,12 +19,25 @@ struct Row {
   std::function<const Label&()> value;
 };
 
+/// Shows that it has the focus, as a text box does.
+class ValueLabel final : public QLabel {
+ protected:
+  void paintEvent(QPaintEvent* event) override {
+    QLabel::paintEvent(event);
+    if (!hasFocus()) return;
+    QPainter painter(this);
+    painter.setPen(palette().color(QPalette::Text));
+    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+  }
+};
+
 /// A value from the scanner: one line of plain text, however long or strange, that can be copied.
 QLabel* value_label(const char* name) {
-  auto* label = new QLabel;
+  auto* label = new ValueLabel;
   label->setObjectName(name);
   label->setTextFormat(Qt::PlainText);
   label->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  label->setFocusPolicy(Qt::StrongFocus);
   label->setFrameShape(QFrame::StyledPanel);
   label->setAutoFillBackground(true);
   label->setBackgroundRole(QPalette::Base);
@@ -37,7 +51,7 @@ QLabel* value_label(const char* name) {
 
 }  // namespace
 
-void add_revision_tab(QtWindows& windows, Program& program, QWidget& page) {
+void add_revision_tab(QtWindows& windows, Program& program, Page& page) {
   Form1& form1 = program.forms.form1;
   const Row rows[]{
       {"Label1(2)", "Application 1", "labRevision(1)",
@@ -49,25 +63,28 @@ void add_revision_tab(QtWindows& windows, Program& program, QWidget& page) {
       {"Label3", "Serial Number", "Label4", [&] { return std::cref(form1.Label4); }},
       {"Label1(6)", "Web Site", "labWeb", [&] { return std::cref(form1.labWeb); }},
   };
-  auto* grid = static_cast<QGridLayout*>(page.layout());
+  QGridLayout& grid = page.grid();
   int line = 0;
   for (const Row& row : rows) {
     auto* caption = new QLabel(row.caption);
     caption->setObjectName(row.caption_control);
     QLabel* value = value_label(row.value_control);
-    value->setAccessibleDescription(row.caption);
-    grid->addWidget(caption, line, 0);
-    grid->addWidget(value, line++, 1, 1, 2);
-    windows.view.bind([get = row.value]() -> const std::string& { return get().Caption; },
-                      [value](const std::string& text) { value->setText(to_qt(text)); });
+    caption->setBuddy(value);
+    grid.addWidget(caption, line, 0);
+    grid.addWidget(value, line++, 1, 1, 2);
+    windows.view.bind(
+        [get = row.value]() -> const std::string& { return get().Caption; },
+        [value, name = row.caption](const std::string& text) {
+          value->setText(to_qt(text));
+          value->setAccessibleName(QString("%1: %2").arg(name, value->text().trimmed()));
+        });
   }
   auto* web = new QPushButton(icon("web"), "&GoTo Web");
   web->setObjectName("cmdWeb");
   web->setToolTip("Send the web address to your browser");
   web->setIconSize({24, 24});
-  grid->addWidget(web, line, 1, Qt::AlignLeft);
-  grid->setColumnStretch(2, 1);
-  grid->setRowStretch(line + 1, 1);
+  grid.addWidget(web, line, 1, Qt::AlignLeft);
+  grid.setColumnStretch(2, 1);
   windows.view.bind([&form1] { return form1.cmdWeb.Enabled; },
                     [web](bool enabled) { web->setEnabled(enabled); });
   QObject::connect(web, &QPushButton::clicked, &windows,

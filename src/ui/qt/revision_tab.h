@@ -1,13 +1,12 @@
 #pragma once
 
-#include <QWidget>
-
 #include "ui/program.h"
+#include "ui/qt/page.h"
 #include "ui/qt/qt_windows.h"
 
 namespace orvex {
 
 /// Fills the tab " Revision Numbers": what the scanner says of itself, and the web button.
-void add_revision_tab(QtWindows& windows, Program& program, QWidget& page);
+void add_revision_tab(QtWindows& windows, Program& program, Page& page);
 
 }  // namespace orvex

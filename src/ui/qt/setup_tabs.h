@@ -8,6 +8,7 @@
 
 #include "setup/catalogue.h"
 #include "ui/program.h"
+#include "ui/qt/page.h"
 #include "ui/qt/qt_windows.h"
 
 class QGroupBox;
@@ -17,19 +18,20 @@ namespace orvex {
 /// The frames, option buttons and text boxes of the setup's tabs, as the catalogue lays them out.
 class SetupTabs {
  public:
-  /// `pages` are the nine pages of the tab control, each with a grid layout.
-  SetupTabs(QtWindows& windows, Program& program, const std::vector<QWidget*>& pages);
+  /// `pages` are the nine pages of the tab control.
+  SetupTabs(QtWindows& windows, Program& program, const std::vector<Page*>& pages);
 
  private:
   void add_frame(const FrameLayout& frame);
   void add_options(const Parameter& row);
   void add_text_box(const Parameter& row);
   void add_picture(const Parameter& row, std::size_t position, QGridLayout& grid, int grid_row);
+  void set_tab_order();
   Caret& caret_of(Field field);
 
   QtWindows& windows_;
   Program& program_;
-  const std::vector<QWidget*>& pages_;
+  const std::vector<Page*>& pages_;
   std::map<std::string_view, QGroupBox*> frames_;
 };
 

@@ -1,8 +1,13 @@
 #include "ui/qt/side_tabs.h"
 
+#include <QKeyEvent>
 #include <QPainter>
 #include <QStyleOptionFocusRect>
 #include <QStylePainter>
+#include <QToolButton>
+#include <algorithm>
+
+#include "ui/qt/accessible_role.h"
 
 namespace orvex {
 namespace {
@@ -12,6 +17,8 @@ class SideTabBar final : public QTabBar {
   SideTabBar() {
     setDrawBase(false);
     setElideMode(Qt::ElideNone);
+    // Those that scroll where there is no room for all tabs; the arrow keys do the same.
+    for (QToolButton* button : findChildren<QToolButton*>()) button->setFocusPolicy(Qt::NoFocus);
   }
 
  protected:
@@ -19,6 +26,26 @@ class SideTabBar final : public QTabBar {
     const QFontMetrics metrics = fontMetrics();
     const int text = metrics.horizontalAdvance(tabText(index).trimmed());
     return {text + 2 * metrics.averageCharWidth() + 14, metrics.height() * 17 / 10};
+  }
+
+  /// The toolkit's bar knows the keys of tabs that lie side by side.
+  void keyPressEvent(QKeyEvent* event) override {
+    switch (event->key()) {
+      case Qt::Key_Up:
+        setCurrentIndex(std::max(currentIndex() - 1, 0));
+        break;
+      case Qt::Key_Down:
+        setCurrentIndex(std::min(currentIndex() + 1, count() - 1));
+        break;
+      case Qt::Key_Home:
+        setCurrentIndex(0);
+        break;
+      case Qt::Key_End:
+        setCurrentIndex(count() - 1);
+        break;
+      default:
+        QTabBar::keyPressEvent(event);
+    }
   }
 
   void paintEvent(QPaintEvent* /*event*/) override {
@@ -55,6 +82,7 @@ class SideTabBar final : public QTabBar {
 SideTabs::SideTabs() {
   setTabBar(new SideTabBar);
   setTabPosition(QTabWidget::West);
+  set_accessible_role(*this, QAccessible::Grouping, "Setup");
 }
 
 }  // namespace orvex

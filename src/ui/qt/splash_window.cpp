@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "ui/qt/accessible_role.h"
 #include "ui/qt/pictures.h"
 #include "ui/qt/text.h"
 
@@ -31,6 +32,7 @@ const QColor label_colour(0xE0, 0xE0, 0xE0);
 SplashWindow::SplashWindow(QtWindows& windows, Program& program)
     : QWidget(nullptr, Qt::Dialog | Qt::FramelessWindowHint), windows_(windows), program_(program) {
   setObjectName("Form2");
+  set_accessible_role(*this, QAccessible::Dialog, {});
   setWindowTitle(application_title);
   setFixedSize(pixels(width_of_picture), pixels(height_of_picture));
   // The picture is light in every theme, and so is what stands on it.
@@ -85,7 +87,11 @@ QLabel* SplashWindow::add_label(const char* name, int left, int top, const Label
 void SplashWindow::add_button() {
   auto* ok = new QPushButton("&OK", this);
   ok->setObjectName("Command3");
-  ok->setGeometry(pixels(1680), pixels(3840), pixels(855), pixels(375));
+  QRect place(pixels(1680), pixels(3840), pixels(855), pixels(375));
+  const QPoint middle = place.center();
+  place.setSize(place.size().expandedTo(ok->minimumSizeHint()));
+  place.moveCenter(middle);
+  ok->setGeometry(place);
   connect(ok, &QPushButton::clicked, this,
           [this] { windows_.handle([this] { program_.Command3_Click(); }); });
   windows_.view.bind([&record = program_.forms.form2.Command3] { return record.Visible; },
@@ -106,7 +112,8 @@ void SplashWindow::place_labels() {
 }
 
 void SplashWindow::show_as(bool visible, bool modal) {
-  if (isVisible() && visible) hide();
+  // With another modality than it was shown with, the toolkit would keep the other windows blocked.
+  hide();
   setWindowModality(modal ? Qt::ApplicationModal : Qt::NonModal);
   if (visible) {
     const QRect room = screen()->geometry();

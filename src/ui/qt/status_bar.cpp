@@ -2,7 +2,9 @@
 
 #include <QFrame>
 #include <QLabel>
+#include <algorithm>
 
+#include "ui/qt/accessible_role.h"
 #include "ui/qt/pictures.h"
 #include "ui/qt/text.h"
 
@@ -11,6 +13,7 @@ namespace {
 
 constexpr int lamp_side = 16;
 constexpr int indicator_side = 20;
+constexpr int indicator_left = 7;
 
 QLabel* lamp(QWidget* frame, const char* name, const char* picture_name, const char* tip) {
   auto* label = new QLabel(frame);
@@ -18,7 +21,7 @@ QLabel* lamp(QWidget* frame, const char* name, const char* picture_name, const c
   label->setToolTip(tip);
   label->setAccessibleName(tip);
   label->setPixmap(picture(picture_name, {lamp_side, lamp_side}, label->devicePixelRatioF()));
-  label->setGeometry(2, 2, lamp_side, lamp_side);
+  label->setFixedSize(lamp_side, lamp_side);
   return label;
 }
 
@@ -26,8 +29,8 @@ QLabel* lamp(QWidget* frame, const char* name, const char* picture_name, const c
 
 StatusBarView::StatusBarView(QtWindows& windows, Form1& form1) {
   setObjectName("sbrStatus");
-  setMinimumHeight(indicator_side + 8);
-  setContentsMargins(indicator_side + 6, 0, 0, 0);
+  setMinimumHeight(std::max(indicator_side, fontMetrics().height()) + 8);
+  setContentsMargins(indicator_left + indicator_side, 0, 0, 0);
   add_panel(windows, form1, 1, 3);
   add_panel(windows, form1, 2, 2);
   add_indicator(windows, form1);
@@ -43,7 +46,10 @@ void StatusBarView::add_panel(QtWindows& windows, Form1& form1, int number, int 
   addWidget(panel, stretch);
   windows.view.bind(
       [&form1, number]() -> const std::string& { return form1.sbrStatus.Panels.at(number); },
-      [panel](const std::string& text) { panel->setText(to_qt(text)); });
+      [panel, empty = number == 1 ? "No port" : "No message"](const std::string& text) {
+        panel->setText(to_qt(text));
+        panel->setAccessibleName(text.empty() ? empty : panel->text());
+      });
   if (number != 1) return;
   windows.view.bind([&form1]() -> const std::string& { return form1.port_path; },
                     [panel](const std::string& path) {
@@ -52,13 +58,18 @@ void StatusBarView::add_panel(QtWindows& windows, Form1& form1, int number, int 
 }
 
 void StatusBarView::add_indicator(QtWindows& windows, Form1& form1) {
-  auto* frame = new QFrame(this);
-  frame->setObjectName("FrameLED");
-  frame->resize(indicator_side, indicator_side);
-  QLabel* connected = lamp(frame, "imgConnected", "lamp-connected", "Port is open");
-  QLabel* not_connected = lamp(frame, "imgNotConnected", "lamp-disconnected", "Port is closed");
+  indicator_ = new QFrame(this);
+  indicator_->setObjectName("FrameLED");
+  set_accessible_role(*indicator_, QAccessible::Grouping, "Port indicator");
+  QLabel* connected = lamp(indicator_, "imgConnected", "lamp-connected", "Port is open");
+  QLabel* not_connected =
+      lamp(indicator_, "imgNotConnected", "lamp-disconnected", "Port is closed");
+  lamps_ = {connected, not_connected};
   windows.view.bind([&form1] { return form1.FrameLED_offset; },
-                    [frame](int offset) { frame->move(4, pixels(offset)); });
+                    [this](int offset) {
+                      indicator_->move(indicator_left, pixels(offset));
+                      place_lamps();
+                    });
   windows.view.bind([&form1] { return form1.FrameLED; },
                     [connected, not_connected](Indicator front) {
                       const bool open = front == Indicator::imgConnected;
@@ -67,6 +78,19 @@ void StatusBarView::add_indicator(QtWindows& windows, Form1& form1) {
                       connected->setVisible(open);
                       not_connected->setVisible(!open);
                     });
+}
+
+void StatusBarView::resizeEvent(QResizeEvent* event) {
+  QStatusBar::resizeEvent(event);
+  place_lamps();
+}
+
+void StatusBarView::place_lamps() {
+  // As much room below as above, so that the lamps stand level with the texts.
+  indicator_->resize(indicator_side, height() - 2 * indicator_->y());
+  for (QLabel* label : lamps_) {
+    label->move((indicator_side - lamp_side) / 2, (indicator_->height() - lamp_side) / 2);
+  }
 }
 
 }  // namespace orvex

@@ -7,10 +7,13 @@
 #include <utility>
 
 #include "setupfiles/symbols.h"
+#include "ui/qt/accessible_role.h"
 #include "ui/qt/text.h"
 
 namespace orvex {
 namespace {
+
+constexpr QSize room_in_cell(10, 5);
 
 class SymbolLabel final : public QLabel {
  public:
@@ -73,18 +76,36 @@ class SymbolLabel final : public QLabel {
 
 SymbolPicker::SymbolPicker(const QString& array, const std::function<void(int)>& picked) {
   setFrameShape(QFrame::StyledPanel);
+  // The window opens large enough for it.
+  QSizePolicy policy = sizePolicy();
+  policy.setRetainSizeWhenHidden(true);
+  setSizePolicy(policy);
+  set_accessible_role(*this, QAccessible::Grouping, "Control characters");
   auto* grid = new QGridLayout(this);
-  grid->setSpacing(2);
-  grid->setContentsMargins(4, 4, 4, 4);
+  grid->setSpacing(3);
+  grid->setContentsMargins(6, 6, 6, 6);
   for (const ControlSymbol& symbol : control_symbols()) {
     const std::size_t position = labels_.size();
     auto* label = new SymbolLabel(to_qt(symbol.name));
     label->setObjectName(QString("%1(%2)").arg(array).arg(symbol.index));
     label->pick = [picked, index = symbol.index] { picked(index); };
+    set_accessible_role(*label, QAccessible::Button, label->text(), label->pick);
+    label->setAccessibleDescription(QString("Control character %1").arg(symbol.index));
     label->move = [this, position](int key) { move_from(position, key); };
     const auto place = static_cast<int>(position);
     grid->addWidget(label, place % symbols_in_column, place / symbols_in_column);
     labels_.push_back(label);
+  }
+  QSize largest;
+  for (const QLabel* label : labels_) largest = largest.expandedTo(label->sizeHint());
+  for (QLabel* label : labels_) label->setMinimumSize(largest + room_in_cell);
+}
+
+void SymbolPicker::come_after(QWidget& control) {
+  QWidget* before = &control;
+  for (QLabel* label : labels_) {
+    setTabOrder(before, label);
+    before = label;
   }
 }
 

@@ -14,6 +14,9 @@ class SymbolPicker final : public QFrame {
   /// `array` is the name of the labels' control array; `picked` gets the index of the label.
   SymbolPicker(const QString& array, const std::function<void(int)>& picked);
 
+  /// Puts the labels behind a control of the same window in the order of the Tab key.
+  void come_after(QWidget& control);
+
  private:
   void move_from(std::size_t position, int key);
 

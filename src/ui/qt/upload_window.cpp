@@ -10,6 +10,7 @@
 #include <array>
 #include <tuple>
 
+#include "ui/qt/accessible_role.h"
 #include "ui/qt/pictures.h"
 #include "ui/qt/text.h"
 
@@ -110,6 +111,7 @@ void UploadWindow::add_header_row(QGridLayout& grid, int row) {
   text->setAccessibleName(QString(parts.caption).remove(':').simplified());
   auto* unit = new QLabel(parts.unit);
   unit->setObjectName(QString("Label%1").arg(row + 5));
+  caption->setBuddy(text);
   grid.addWidget(caption, row, 0);
   grid.addWidget(text, row, 1);
   grid.addWidget(unit, row, 2);
@@ -143,7 +145,7 @@ void UploadWindow::add_progress(QGridLayout& grid) {
 void UploadWindow::add_animation(QGridLayout& grid) {
   auto* animation = new AnimationView;
   animation->setObjectName("Picture1");
-  animation->setAccessibleName("Data goes from the PC to the scanner");
+  set_accessible_role(*animation, QAccessible::Animation, "Data goes from the PC to the scanner");
   grid.addWidget(animation, 6, 0, 1, 3, Qt::AlignHCenter);
   windows_.view.bind([this] { return program_.forms.form3.Picture1; },
                      [animation](int cell) { animation->show_cell(cell); });

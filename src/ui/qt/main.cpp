@@ -4,12 +4,14 @@
 
 #include "platform/platform.h"
 #include "ui/qt/desktop.h"
+#include "ui/qt/focus_style.h"
 
 int main(int argc, char* argv[]) {
   QApplication application(argc, argv);
   QApplication::setApplicationName("orvex");
   QApplication::setDesktopFileName("orvex");
   QApplication::setQuitOnLastWindowClosed(false);
+  QApplication::setStyle(new orvex::FocusStyle);  // the application owns it
   QIcon icon;
   for (const int side : {16, 22, 24, 32, 48, 64, 128, 256}) {
     icon.addFile(QString(":/pictures/orvex-%1.png").arg(side), {side, side});

@@ -105,6 +105,7 @@ TEST(FaultTable, every_job_against_every_fault) {
       desk.press(jobs[i].handler);
       std::string outcome = left_behind(desk, before);
       for (std::size_t box = 0; box < desk.windows.boxes.size(); ++box) outcome += " box";
+      print_row(jobs[i].name, fault.name, outcome, desk.panel(1));
       EXPECT_EQ(outcome, fault.outcomes[i]) << jobs[i].name << ", " << fault.name;
       EXPECT_TRUE(recovers(desk)) << jobs[i].name << ", " << fault.name;
     }

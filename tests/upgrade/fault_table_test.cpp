@@ -114,6 +114,7 @@ TEST(FaultTable, uploads_against_every_fault) {
       SCOPED_TRACE(std::string(job) + ", " + fault.name);
       Desk desk;
       const std::string outcome = run(desk, fault, fast);
+      print_row(job, fault.name, outcome, desk.panel(1));
       EXPECT_EQ(outcome, fault.outcome);
       EXPECT_TRUE(recovers(desk));
     }

@@ -87,6 +87,32 @@ TEST(ZmodemSender, at_most_4_kib_are_on_the_way_without_an_answer) {
   }
 }
 
+TEST(ZmodemSender, few_answers_are_asked_for_where_the_line_outruns_its_rate_and_only_there) {
+  const string data = noise(524288);
+  const struct {
+    Time byte_time;
+    Time step;
+    Damage there;
+    std::size_t least, most;  // answers
+  } cases[]{{Time(86806), 1ms, {}, 256, 600},
+            {Time(86806), 1ms, {.flip_every = 10000}, 256, 600},
+            {1us, 100us, {}, 16, 64},
+            {1us, 100us, {.flip_every = 100000}, 16, 128}};
+  for (const auto& c : cases) {
+    Course course;
+    course.byte_time = c.byte_time;
+    course.step = c.step;
+    course.there = c.there;
+    course.driver_room = 16384;
+    const Outcome outcome = send(data, course);
+    expect_complete(outcome, data);
+    std::size_t answers = 0;
+    for (std::size_t at = 0; (at = outcome.back.find("B03", at)) != string::npos; ++at) ++answers;
+    EXPECT_GE(answers, c.least);
+    EXPECT_LE(answers, c.most);
+  }
+}
+
 TEST(ZmodemSender, a_mebibyte_costs_little_more_than_its_bytes) {
   const string data = noise(1048576);
   const Outcome outcome = send(data, {});

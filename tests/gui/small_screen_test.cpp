@@ -79,6 +79,9 @@ TEST_P(SmallScreen, the_main_window_keeps_its_buttons_and_scrolls_to_the_focus) 
   QWidget* bar = tabs->tabBar();
   pilot_->find("Form1")->activateWindow();
   ASSERT_TRUE(QTest::qWaitForWindowActive(pilot_->find("Form1")));
+  if (GetParam() == 1 && QGuiApplication::primaryScreen()->devicePixelRatio() == 1) {
+    EXPECT_EQ(pilot_->find("Form1")->size(), QSize(599, 521)) << "8980 by 7815 twips";
+  }
   pilot_->click("cmdCtrlPre");
   pilot_->click("cmdCtrlSuf");
   for (int tab = 0; tab < tabs->count(); ++tab) {

@@ -4,6 +4,8 @@
 #include <QHBoxLayout>
 #include <QPushButton>
 #include <QScreen>
+#include <QStyle>
+#include <QTabBar>
 #include <QVBoxLayout>
 #include <tuple>
 
@@ -20,6 +22,9 @@
 
 namespace orvex {
 namespace {
+
+/// What styles put above and below a page besides its frame, in pixels.
+constexpr int above_and_below_page = 8;
 
 constexpr std::size_t prefix_tab = 4;
 constexpr std::size_t suffix_tab = 5;
@@ -106,15 +111,17 @@ QHBoxLayout* MainWindow::make_buttons() {
 }
 
 QSize MainWindow::size_for_pages() const {
-  QSize beyond_areas;
-  for (const QScrollArea* area : findChildren<QScrollArea*>()) {
-    beyond_areas =
-        beyond_areas.expandedTo(area->widget()->minimumSizeHint() - area->minimumSizeHint());
+  const auto* tabs = findChild<QTabWidget*>("SSTab1");
+  QSize page;
+  for (const auto* area : findChildren<QScrollArea*>()) {
+    page = page.expandedTo(area->widget()->minimumSizeHint());
   }
+  const int frame = 2 * style()->pixelMetric(QStyle::PM_DefaultFrameWidth);
   const QMargins margins = centralWidget()->layout()->contentsMargins();
-  const int tabs = findChild<QTabWidget*>("SSTab1")->minimumSizeHint().width();
-  return {tabs + beyond_areas.width() + margins.left() + margins.right(),
-          minimumSizeHint().height() + beyond_areas.height()};
+  const int around = minimumSizeHint().height() - tabs->minimumSizeHint().height();
+  return {
+      tabs->tabBar()->sizeHint().width() + page.width() + frame + margins.left() + margins.right(),
+      page.height() + frame + above_and_below_page + around};
 }
 
 void MainWindow::bind_geometry() {

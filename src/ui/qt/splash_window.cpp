@@ -25,6 +25,8 @@ constexpr int rate_left = 2880;
 constexpr int line_top = 3960;
 constexpr int small_gap = 60;
 
+constexpr QSize around_caption(16, 8);  // in pixels
+
 const QColor label_colour(0xE0, 0xE0, 0xE0);
 
 }  // namespace
@@ -89,7 +91,8 @@ void SplashWindow::add_button() {
   ok->setObjectName("Command3");
   QRect place(pixels(1680), pixels(3840), pixels(855), pixels(375));
   const QPoint middle = place.center();
-  place.setSize(place.size().expandedTo(ok->minimumSizeHint()));
+  const QSize text = ok->fontMetrics().size(Qt::TextShowMnemonic, ok->text());
+  place.setSize(place.size().expandedTo(text + around_caption));
   place.moveCenter(middle);
   ok->setGeometry(place);
   connect(ok, &QPushButton::clicked, this,

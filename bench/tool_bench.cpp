@@ -11,7 +11,7 @@
 #include <numeric>
 
 #include "bench/figures.h"
-#include "gui/pilot.h"
+#include "demo/pilot.h"
 #include "link/frame.h"
 #include "setup/apply.h"
 #include "ui/qt/text.h"

@@ -6,7 +6,7 @@
 #include <QTabWidget>
 #include <QTest>
 
-#include "gui/pilot.h"
+#include "demo/pilot.h"
 #include "setup/apply.h"
 
 namespace orvex {

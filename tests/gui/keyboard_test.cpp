@@ -12,7 +12,7 @@
 #include <set>
 #include <stdexcept>
 
-#include "gui/pilot.h"
+#include "demo/pilot.h"
 
 namespace orvex {
 namespace {

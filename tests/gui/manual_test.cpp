@@ -3,7 +3,7 @@
 #include <QComboBox>
 #include <QFile>
 
-#include "gui/pilot.h"
+#include "demo/pilot.h"
 
 namespace orvex {
 namespace {

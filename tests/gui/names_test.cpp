@@ -11,7 +11,7 @@
 #include <QRadioButton>
 #include <QTabWidget>
 
-#include "gui/pilot.h"
+#include "demo/pilot.h"
 #include "ui/qt/text.h"
 
 namespace orvex {

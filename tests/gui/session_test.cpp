@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-#include "gui/pilot.h"
+#include "demo/pilot.h"
 
 namespace orvex {
 namespace {

@@ -9,7 +9,7 @@
 #include <QTabWidget>
 #include <QTest>
 
-#include "gui/pilot.h"
+#include "demo/pilot.h"
 
 namespace orvex {
 namespace {

@@ -6,7 +6,7 @@
 #include <ctime>
 #include <functional>
 
-#include "gui/pilot.h"
+#include "demo/pilot.h"
 
 namespace orvex {
 namespace {

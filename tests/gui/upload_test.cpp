@@ -5,7 +5,7 @@
 #include <QProgressBar>
 #include <random>
 
-#include "gui/pilot.h"
+#include "demo/pilot.h"
 
 namespace orvex {
 namespace {

@@ -11,7 +11,7 @@
 #include <cstdio>
 #include <stdexcept>
 
-#include "gui/pilot.h"
+#include "demo/pilot.h"
 #include "ui/qt/text.h"
 
 namespace orvex {
@@ -66,9 +66,12 @@ class Session {
     pilot_.find<QLineEdit>("Text2")->clear();
     pilot_.click("mnuPrefix");
     pilot_.click("cmdCtrlPre");
-    save_picture("control-characters");
+    save_picture("prefix-picker");
     pilot_.click("CharList(2)");
     pilot_.type("Text2", "demo");
+    pilot_.click("mnuSuffix");
+    pilot_.click("cmdCtrlSuf");
+    save_picture("suffix-picker");
     say("Changed: baud rate 57600 Bps, Code 39 enabled, prefix \"" + pilot_.text("Text2") + "\"");
   }
 

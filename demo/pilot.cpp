@@ -1,4 +1,4 @@
-#include "gui/pilot.h"
+#include "demo/pilot.h"
 
 #include <QAbstractButton>
 #include <QAction>

@@ -13,15 +13,15 @@ std::string raw_header(const ZmodemHeader& header) {
   return raw;
 }
 
-// CRC-16 goes with its high byte first, CRC-32 with its low byte first.
-std::string check_bytes(std::string_view covered, ZmodemCheck check) {
+// CRC-16 goes with its high byte first, CRC-32 with its low byte first. It covers both texts.
+std::string check_bytes(std::string_view covered, ZmodemCheck check, std::string_view end = {}) {
   std::string bytes;
   if (check == ZmodemCheck::crc16) {
-    const unsigned crc = zmodem_crc16(covered);
+    const unsigned crc = zmodem_crc16(end, zmodem_crc16(covered));
     bytes += static_cast<char>(crc >> 8);
     bytes += static_cast<char>(crc & 0xFF);
   } else {
-    const std::uint32_t crc = zmodem_crc32(covered);
+    const std::uint32_t crc = zmodem_crc32(end, zmodem_crc32(covered));
     for (unsigned shift = 0; shift < 32; shift += 8)
       bytes += static_cast<char>(crc >> shift & 0xFF);
   }
@@ -67,11 +67,10 @@ void append_binary_header(const ZmodemHeader& header, ZmodemCheck check, ZmodemE
 
 void append_subpacket(std::string_view data, ZmodemEnd end, ZmodemCheck check, ZmodemEscape& escape,
                       std::string& wire) {
-  std::string covered(data);
-  covered += static_cast<char>(end);
+  const std::string mark{'\x18', static_cast<char>(end)};
   escape.append(data, wire);
-  escape.append_plain(std::string{'\x18', static_cast<char>(end)}, wire);
-  escape.append(check_bytes(covered, check), wire);
+  escape.append_plain(mark, wire);
+  escape.append(check_bytes(data, check, mark.substr(1)), wire);
 }
 
 }  // namespace orvex

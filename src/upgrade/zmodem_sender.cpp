@@ -158,8 +158,12 @@ std::string ZmodemSender::transmit(std::size_t room, Time now) {
   while (pending_.size() < room && produce()) {
   }
   if (room == 0 || pending_.empty()) return {};
-  std::string out = pending_.substr(0, room);
-  pending_.erase(0, room);
+  std::string out = std::exchange(pending_, {});
+  if (out.size() > room) {
+    pending_.reserve(out.size());
+    pending_.assign(out, room);
+    out.resize(room);
+  }
   last_sent_ = now;
   window_.handed_over(out.size(), now);
   if (!pending_.empty()) return out;

@@ -222,6 +222,9 @@ void QtWindows::arm() {
     wake_.stop();
     return;
   }
+  // One that wakes sooner arms itself anew, which costs less than a new start at each event.
+  if (wake_.isActive() && armed_for_ <= *next) return;
+  armed_for_ = *next;
   const auto wait = std::chrono::ceil<std::chrono::milliseconds>(std::max(*next - now(), Time{}));
   wake_.start(wait);
 }

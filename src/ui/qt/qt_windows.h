@@ -71,6 +71,7 @@ class QtWindows final : public QObject, public WindowSystem {
 
   QElapsedTimer clock_;
   QTimer wake_;
+  Time armed_for_{};
   std::vector<Scheduled*> scheduled_;
   std::vector<OpenBox> boxes_;
   QString last_folder_;

@@ -1,10 +1,12 @@
 #include "ui/qt/qt_windows.h"
 
+#include <QAbstractEventDispatcher>
 #include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
 #include <QScreen>
+#include <QThread>
 #include <algorithm>
 
 #include "platform/platform.h"
@@ -85,16 +87,21 @@ Time QtWindows::now() const {
   return Time(clock_.nsecsElapsed());
 }
 
+bool QtWindows::dispatch(QEventLoop::ProcessEventsFlags flags) {
+  return QThread::currentThread()->eventDispatcher()->processEvents(flags);
+}
+
 void QtWindows::pump(Wait wait) {
   if (ended_) throw Ended{};
   run_due();
-  if (wait == Wait::for_event) {
+  // What a handler has written goes to the line before its traces are drawn.
+  const bool had_events = dispatch(QEventLoop::AllEvents);
+  if (had_events || wait == Wait::no) {
+    if (now() - drawn_at_ >= draw_step) draw();
+  } else {
     draw();
     arm();
-    QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
-  } else {
-    if (now() - drawn_at_ >= draw_step) draw();
-    QCoreApplication::processEvents(QEventLoop::AllEvents);
+    dispatch(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
   }
   if (ended_) throw Ended{};
 }

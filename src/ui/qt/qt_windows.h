@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QElapsedTimer>
+#include <QEventLoop>
 #include <QMessageBox>
 #include <QObject>
 #include <QPointer>
@@ -65,6 +66,8 @@ class QtWindows final : public QObject, public WindowSystem {
   enum class Draw { now, soon };
 
   void guarded(const std::function<void()>& handler, Draw when);
+  /// True where there was an event.
+  static bool dispatch(QEventLoop::ProcessEventsFlags flags);
   void run_due();
   void arm();
   std::optional<std::filesystem::path> run_dialog(QFileDialog& dialog, const FileDialog& texts);

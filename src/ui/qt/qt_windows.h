@@ -78,7 +78,7 @@ class QtWindows final : public QObject, public WindowSystem {
   std::vector<Scheduled*> scheduled_;
   std::vector<OpenBox> boxes_;
   QString last_folder_;
-  Time drawn_at_{};
+  Time drawn_at_ = -std::chrono::hours(1);  // the first draw never waits
   bool draw_is_due_ = false;
   bool drawing_ = false;
   bool ended_ = false;

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <random>
+
+#include "setup/apply.h"
 #include "setupfiles/symbols.h"
 #include "virtual/temporary_folder.h"
 #include "virtual/virtual_windows.h"
@@ -34,21 +38,33 @@ TEST_F(SetupFilesTest, a_file_holds_all_tags_but_one_in_their_order) {
   EXPECT_EQ(windows.dialog_titles, std::vector<std::string>{"Select a TXT file"});
 }
 
-TEST_F(SetupFilesTest, what_was_saved_comes_back_whatever_was_typed) {
-  for (const auto& row : parameters()) {
-    if (!row.is_text()) setup.choose(row.field, row.choices.size() - 1);
-  }
-  setup.text(Field::RSDELY) = u"007";
-  for (char16_t c = 0x20; c <= 0xFF; ++c) {
-    if (c >= 0x7F && c < 0xA0) continue;  // a keyboard gives none of them
-    setup.text(Field::PREFIX) = std::u16string{c, u'[', u'>', c};
-    setup.text(Field::SUFFIX) += c;
-    const ScannerSetup saved = setup;
-    save(folder / "setup.txt");
+TEST_F(SetupFilesTest, a_thousand_random_setups_survive_saving_and_opening) {
+  std::mt19937 random(20240611);
+  const auto pick = [&](std::size_t count) { return random() % count; };
+  const auto path = folder / "setup.txt";
+  for (int round = 0; round < 1000; ++round) {
+    ScannerSetup saved;
+    for (const auto& row : parameters()) {
+      if (!row.is_text()) saved.choose(row.field, pick(row.choices.size()));
+    }
+    for (const Field field : {Field::PREFIX, Field::SUFFIX}) {
+      // Every character that a keyboard gives, and each of them at the ends of a text too.
+      for (std::size_t i = pick(41); i > 0; --i) {
+        const auto printable = static_cast<char16_t>(0x20 + pick(0xE0));
+        saved.text(field) += printable >= 0x7F && printable < 0xA0 ? u'>' : printable;
+      }
+    }
+    if (pick(2) == 1)
+      saved.text(Field::RSDELY) =
+          digits_only(std::u16string(3, static_cast<char16_t>(u'0' + pick(10))));
+    const bool by_file = round % 50 == 0;  // a file on the disk takes its time
+    setup = saved;
+    if (by_file) save(path);
     setup = ScannerSetup();
-    setup.choose(Field::RSCTSE, 1);
-    open(folder / "setup.txt");
-    EXPECT_EQ(setup, saved) << static_cast<int>(c);
+    setup.choose(Field::RSCTSE, saved.choice(Field::RSCTSE));
+    if (by_file) open(path);
+    if (!by_file) Apply_Stream(setup, setup_file_text(saved), [] {});
+    ASSERT_EQ(setup, saved) << round;
   }
 }
 

@@ -1,5 +1,5 @@
-// Tells when the first window is on the screen: the tool's splash with the state folder as its
-// argument, or an empty window without.
+// Tells when the first window is on the screen, and ends: the tool's splash with the state folder
+// as its argument, or an empty window without.
 
 #include <QApplication>
 #include <QEvent>
@@ -15,10 +15,17 @@ class FirstPaint final : public QObject {
   bool eventFilter(QObject* watched, QEvent* event) override {
     const auto* widget = qobject_cast<QWidget*>(watched);
     if (event->type() == QEvent::Paint && widget != nullptr && widget->isWindow()) {
-      std::puts("painted");
-      std::fflush(stdout);
+      // By the next turn the picture and all that lies on it has gone to the screen.
+      QMetaObject::invokeMethod(this, &FirstPaint::tell, Qt::QueuedConnection);
     }
     return false;
+  }
+
+ private:
+  void tell() {
+    std::puts("painted");
+    std::fflush(stdout);
+    for (QWidget* window : QApplication::topLevelWidgets()) window->close();
   }
 };
 

@@ -42,18 +42,23 @@ SplashWindow::SplashWindow(QtWindows& windows, Program& program)
   light.setColor(QPalette::Window, label_colour);
   light.setColor(QPalette::WindowText, Qt::black);
   setPalette(light);
-  Form2& form2 = program.forms.form2;
-  title_ = add_label("Label1", title_left, title_top, form2.Label1);
-  port_ = add_label("Label2", port_left, line_top, form2.Label2);
-  rate_ = add_label("Label3", rate_left, line_top, form2.Label3);
-  add_button();
-  windows.view.bind([&form2] { return std::pair(form2.Visible, form2.Modal); },
-                    [this](const auto& state) { show_as(state.first, state.second); });
+  title_ = add_label("Label1");
+  port_ = add_label("Label2");
+  rate_ = add_label("Label3");
+  ok_ = new QPushButton("&OK", this);
+  ok_->setObjectName("Command3");
+  ok_->hide();
+  connect(ok_, &QPushButton::clicked, this,
+          [this] { windows_.handle([this] { program_.Command3_Click(); }); });
+  windows.view.bind(
+      [&form2 = program.forms.form2] { return std::pair(form2.Visible, form2.Modal); },
+      [this](const auto& state) { show_as(state.first, state.second); });
 }
 
 void SplashWindow::paintEvent(QPaintEvent* /*event*/) {
   if (picture_.isNull()) {
     picture_ = whole_picture("splash", devicePixelRatioF());
+    QTimer::singleShot(0, this, [this] { windows_.handle([this] { add_texts(); }); });
     QTimer::singleShot(0, this, [this] { windows_.handle(first_shown); });
   }
   QPainter painter(this);
@@ -66,7 +71,7 @@ void SplashWindow::closeEvent(QCloseEvent* event) {
   if (!windows_.ended()) event->ignore();
 }
 
-QLabel* SplashWindow::add_label(const char* name, int left, int top, const Label& record) {
+QLabel* SplashWindow::add_label(const char* name) {
   auto* label = new QLabel(this);
   label->setObjectName(name);
   label->setTextFormat(Qt::PlainText);
@@ -74,7 +79,29 @@ QLabel* SplashWindow::add_label(const char* name, int left, int top, const Label
   QFont font = label->font();
   font.setPointSize(std::max(7, font.pointSize() - 1));
   label->setFont(font);
-  label->move(pixels(left), pixels(top));
+  label->hide();
+  return label;
+}
+
+void SplashWindow::add_texts() {
+  const Form2& form2 = program_.forms.form2;
+  bind_label(title_, form2.Label1);
+  bind_label(port_, form2.Label2);
+  bind_label(rate_, form2.Label3);
+  QRect place(pixels(1680), pixels(3840), pixels(855), pixels(375));
+  const QPoint middle = place.center();
+  const QSize text = ok_->fontMetrics().size(Qt::TextShowMnemonic, ok_->text());
+  place.setSize(place.size().expandedTo(text + around_caption));
+  place.moveCenter(middle);
+  ok_->setGeometry(place);
+  windows_.view.bind([&button = form2.Command3] { return button.Visible; },
+                     [this](bool visible) {
+                       ok_->setVisible(visible);
+                       if (visible) ok_->setFocus();
+                     });
+}
+
+void SplashWindow::bind_label(QLabel* label, const Label& record) {
   windows_.view.bind([&record]() -> const std::string& { return record.Caption; },
                      [this, label](const std::string& text) {
                        label->setText(to_qt(text));
@@ -83,29 +110,9 @@ QLabel* SplashWindow::add_label(const char* name, int left, int top, const Label
                      });
   windows_.view.bind([&record] { return record.Visible; },
                      [label](bool visible) { label->setVisible(visible); });
-  return label;
-}
-
-void SplashWindow::add_button() {
-  auto* ok = new QPushButton("&OK", this);
-  ok->setObjectName("Command3");
-  QRect place(pixels(1680), pixels(3840), pixels(855), pixels(375));
-  const QPoint middle = place.center();
-  const QSize text = ok->fontMetrics().size(Qt::TextShowMnemonic, ok->text());
-  place.setSize(place.size().expandedTo(text + around_caption));
-  place.moveCenter(middle);
-  ok->setGeometry(place);
-  connect(ok, &QPushButton::clicked, this,
-          [this] { windows_.handle([this] { program_.Command3_Click(); }); });
-  windows_.view.bind([&record = program_.forms.form2.Command3] { return record.Visible; },
-                     [ok](bool visible) {
-                       ok->setVisible(visible);
-                       if (visible) ok->setFocus();
-                     });
 }
 
 void SplashWindow::place_labels() {
-  if (rate_ == nullptr) return;
   const int end = width() - pixels(small_gap);
   title_->move(std::min(pixels(title_left), end - title_->width()), pixels(title_top));
   // Port and rate stand side by side, however wide the desktop's letters are.

@@ -26,8 +26,10 @@ class SplashWindow final : public QWidget {
   void closeEvent(QCloseEvent* event) override;
 
  private:
-  QLabel* add_label(const char* name, int left, int top, const Label& record);
-  void add_button();
+  QLabel* add_label(const char* name);
+  /// Texts need the fonts, which take as long to load as all else before the first picture.
+  void add_texts();
+  void bind_label(QLabel* label, const Label& record);
   void show_as(bool visible, bool modal);
   void place_labels();
 
@@ -37,6 +39,7 @@ class SplashWindow final : public QWidget {
   QLabel* title_;
   QLabel* port_;
   QLabel* rate_;
+  QPushButton* ok_;
 };
 
 }  // namespace orvex

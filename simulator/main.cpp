@@ -1,3 +1,5 @@
+#include <sys/prctl.h>
+
 #include <csignal>
 #include <cstdio>
 #include <exception>
@@ -35,6 +37,9 @@ int main(int count, char** words) {
       return 0;
     }
     catch_signals();
+    // The bytes of a paced line are due to the microsecond; 50 of them is what sleeps may take
+    // longer.
+    ::prctl(PR_SET_TIMERSLACK, 1UL);
     Simulation(options).run(stop);
     return 0;
   } catch (const std::invalid_argument& error) {

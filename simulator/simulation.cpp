@@ -107,11 +107,13 @@ void Simulation::listen() {
 }
 
 void Simulation::hear_what_is_through() {
-  const Time at = now();
-  while (!incoming_.empty() && incoming_.front().at <= at) {
+  const Time until = now();
+  while (!incoming_.empty() && incoming_.front().at <= until) {
+    // Each byte is heard when the line has brought it, however late this process wakes.
     const int rate = incoming_.front().rate;
+    const Time at = incoming_.front().at;
     std::string bytes;
-    while (!incoming_.empty() && incoming_.front().at <= at && incoming_.front().rate == rate) {
+    while (!incoming_.empty() && incoming_.front().at == at && incoming_.front().rate == rate) {
       bytes += incoming_.front().byte;
       incoming_.pop_front();
     }
@@ -124,9 +126,11 @@ void Simulation::hear_what_is_through() {
 void Simulation::speak() {
   while (true) {
     const int rate = scanner_.rate();
-    const auto bytes = scanner_.say(now());
+    const Time at = now();
+    const Time begun = std::min(at, scanner_.due().value_or(at));
+    const auto bytes = scanner_.say(at);
     if (bytes.empty()) break;
-    if (outgoing_.empty()) next_byte_at_ = now() + time_of_byte(rate);
+    if (outgoing_.empty()) next_byte_at_ = std::max(next_byte_at_, begun) + time_of_byte(rate);
     for (const char byte : bytes) outgoing_.push_back({byte, rate});
   }
   send_outgoing();

@@ -20,8 +20,11 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr double twips_in_inch = 1440;
-/// A wait that doesn't sleep, and what comes from the line, draws no more often than this.
+/// While events follow each other, the windows are drawn no more often than this.
 constexpr Time draw_step = 33ms;
+/// Where cores are few, the system takes a frame to the line only once this process sleeps: a draw
+/// stands back for so long.
+constexpr Time line_first = 1ms;
 
 double dots_per_inch() {
   return QGuiApplication::primaryScreen()->logicalDotsPerInch();
@@ -94,12 +97,10 @@ bool QtWindows::dispatch(QEventLoop::ProcessEventsFlags flags) {
 void QtWindows::pump(Wait wait) {
   if (ended_) throw Ended{};
   run_due();
-  // What a handler has written goes to the line before its traces are drawn.
   const bool had_events = dispatch(QEventLoop::AllEvents);
-  if (had_events || wait == Wait::no) {
-    if (now() - drawn_at_ >= draw_step) draw();
-  } else {
-    draw();
+  const bool sleeps = !had_events && wait == Wait::for_event;
+  draw_by(sleeps ? now() + line_first : drawn_at_ + draw_step);
+  if (sleeps) {
     arm();
     dispatch(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
   }
@@ -193,8 +194,14 @@ void QtWindows::draw() {
   drawing_ = true;
   view.draw();
   drawing_ = false;
-  draw_is_due_ = false;
+  draw_due_.reset();
   drawn_at_ = now();
+}
+
+void QtWindows::draw_by(Time due) {
+  if (!draw_due_ && !view.is_stale()) return;
+  draw_due_ = std::min(due, draw_due_.value_or(due));
+  if (*draw_due_ <= now()) draw();
 }
 
 void QtWindows::guarded(const std::function<void()>& handler, Draw when) {
@@ -203,10 +210,10 @@ void QtWindows::guarded(const std::function<void()>& handler, Draw when) {
   } catch (const Ended&) {
     return;
   }
-  if (when == Draw::now || now() - drawn_at_ >= draw_step) {
+  if (when == Draw::now) {
     draw();
   } else {
-    draw_is_due_ = true;
+    draw_by(drawn_at_ + draw_step);
   }
   arm();
 }
@@ -219,8 +226,7 @@ void QtWindows::run_due() {
 }
 
 void QtWindows::arm() {
-  std::optional<Time> next;
-  if (draw_is_due_) next = drawn_at_ + draw_step;
+  std::optional<Time> next = draw_due_;
   for (const Scheduled* scheduled : scheduled_) {
     const auto due = scheduled->due();
     if (due && (!next || *due < *next)) next = due;

@@ -7,6 +7,7 @@
 #include <QPointer>
 #include <QTimer>
 #include <functional>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -68,6 +69,7 @@ class QtWindows final : public QObject, public WindowSystem {
   void guarded(const std::function<void()>& handler, Draw when);
   /// True where there was an event.
   static bool dispatch(QEventLoop::ProcessEventsFlags flags);
+  void draw_by(Time due);
   void run_due();
   void arm();
   std::optional<std::filesystem::path> run_dialog(QFileDialog& dialog, const FileDialog& texts);
@@ -78,8 +80,8 @@ class QtWindows final : public QObject, public WindowSystem {
   std::vector<Scheduled*> scheduled_;
   std::vector<OpenBox> boxes_;
   QString last_folder_;
-  Time drawn_at_ = -std::chrono::hours(1);  // the first draw never waits
-  bool draw_is_due_ = false;
+  Time drawn_at_{};
+  std::optional<Time> draw_due_;
   bool drawing_ = false;
   bool ended_ = false;
 };

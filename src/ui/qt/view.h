@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <deque>
 #include <functional>
 #include <optional>
@@ -16,24 +17,41 @@ class View {
   template <typename Get, typename Show>
   void bind(Get get, Show show) {
     using Value = std::remove_cvref_t<decltype(get())>;
-    draws_.push_back([get, show, drawn = std::optional<Value>{}]() mutable {
+    parts_.push_back([get, show, drawn = std::optional<Value>{}](Act act) mutable {
       decltype(auto) value = get();
-      if (drawn && *drawn == value) return;
+      if (drawn && *drawn == value) return false;
+      if (act == Act::look) return true;
       drawn = value;
       show(*drawn);
+      return true;
     });
   }
 
   /// Called at each draw.
-  void always(std::function<void()> draw) { draws_.push_back(std::move(draw)); }
+  void always(std::function<void()> draw) {
+    parts_.push_back([draw = std::move(draw)](Act act) {
+      if (act == Act::draw) draw();
+      return false;
+    });
+  }
 
   /// What is bound meanwhile is drawn as well.
   void draw() {
-    for (std::size_t next = 0; next < draws_.size(); ++next) draws_[next]();
+    for (std::size_t next = 0; next < parts_.size(); ++next) parts_[next](Act::draw);
+  }
+
+  /// True where a draw would change something.
+  bool is_stale() {
+    return std::ranges::any_of(parts_, [](auto& part) { return part(Act::look); });
   }
 
  private:
-  std::deque<std::function<void()>> draws_;  // one that runs must stay where it is
+  enum class Act { look, draw };
+
+  /// Tells whether what it shows has changed since it was drawn.
+  using Part = std::function<bool(Act)>;
+
+  std::deque<Part> parts_;  // one that runs must stay where it is
 };
 
 }  // namespace orvex

@@ -15,7 +15,7 @@ constexpr int zmodem = 5;
 /// How often a transfer looks whether the line has room again.
 constexpr Time room_poll = 5ms;
 /// A line that takes bytes without end still gives the window its turn.
-constexpr std::size_t most_in_one_step = 16384;
+constexpr std::size_t most_in_one_step = 32768;
 
 RunTimeError invalid_value() {
   return {error_number::invalid_value, "Invalid property value"};

@@ -21,7 +21,7 @@ constexpr Time end_limit = seconds(120);
 constexpr Time repeat_after = seconds(4);
 
 constexpr std::size_t careful_piece = 128;
-constexpr std::size_t largest_batch = 16384;
+constexpr std::size_t largest_batch = 32768;
 /// Takes 89 ms at 115200 Bps.
 constexpr std::size_t most_unsent_on_paced_line = 1024;
 constexpr std::size_t longest_name = 255;

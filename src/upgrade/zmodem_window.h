@@ -12,12 +12,12 @@ namespace orvex {
 /// has to be repeated, once the line ran dry (answers take long, or this machine is busy), and is
 /// 4 KiB all along above 200 kbit/s. Where answers prove that bytes reach the receiver in less time
 /// than the rate gives them (a USB device or a pseudo-terminal, for which the rate is a mere
-/// number), a repeat costs next to nothing and it becomes 32 KiB.
+/// number), a repeat costs next to nothing and it becomes 64 KiB.
 class ZmodemWindow {
  public:
   static constexpr std::size_t largest_piece = 1024;
   static constexpr std::size_t largest = 4096;
-  static constexpr std::size_t unpaced = 32768;
+  static constexpr std::size_t unpaced = 65536;
 
   /// `bits_per_second` of the line, 0 where not known. Pieces have 32 to 1024 bytes: below 8,200
   /// bits a second they get smaller, so that each takes about a second.

@@ -57,6 +57,16 @@ TEST_F(UpgradeTest, a_complete_load_ends_in_restart_scan_and_receive) {
   EXPECT_FALSE(form1().Timer1.Enabled());
 }
 
+TEST_F(UpgradeTest, a_search_that_is_given_up_behind_a_load_ends_it_there) {
+  windows.answers = {{Answer::ok, 500ms}, {Answer::cancel}};
+  loading.taken = [&] { scanner.faults.silent = loading.receiver.over ? -1 : 0; };
+  load(500);
+  for (int step = 0; step < 2000 && windows.boxes.size() < 3; ++step) windows.idle(10ms);
+  ASSERT_EQ(windows.box_texts(), question + restart_box + "[Connection Failed]");
+  EXPECT_LE(now() - windows.boxes[2].at, 10ms) << "nothing is asked over a closed port";
+  EXPECT_EQ(panel(2), "");
+}
+
 TEST_F(UpgradeTest, the_bar_and_the_pictures_follow_the_transfer) {
   load(6000);
   windows.idle(1950ms);

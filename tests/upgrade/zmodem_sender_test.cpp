@@ -184,7 +184,7 @@ TEST(ZmodemSender, unusual_but_honest_receivers_get_the_file) {
   const struct {
     const char* kind;
     ReceiverScript receiver;
-    string at_start, on_the_way;
+    string at_start, on_the_way, at_end = "";
   } cases[] = {
       {"never answers a request", {.answers_requests = false}, "", ""},
       {"resumes", {.first_place = 7001}, "", ""},
@@ -193,7 +193,7 @@ TEST(ZmodemSender, unusual_but_honest_receivers_get_the_file) {
       {"doubled and late ZRINIT", {}, answer(1, 0x23000000), answer(1, 0x23000000)},
       {"the end of an earlier transfer", {}, late + answer(9, 5) + answer(3, 9), ""},
       {"challenge", {}, answer(14, 77), ""},
-      {"asks to repeat", {}, answer(6, 0), answer(6, 0)},
+      {"asks to repeat", {}, answer(6, 0), answer(6, 0), answer(6, 0)},
       {"asks for the CRC", {}, "", answer(13, 0)},
   };
   for (const auto& c : cases) {
@@ -201,9 +201,11 @@ TEST(ZmodemSender, unusual_but_honest_receivers_get_the_file) {
     Course course;
     course.receiver = c.receiver;
     bool said = false;
+    bool ended = false;
     course.each_step = [&](FileEngine& engine, Time now) {
       if (now == Time{}) engine.receive(c.at_start, now);
       if (!said && engine.progress() > 9000) engine.receive(c.on_the_way, now), said = true;
+      if (!ended && engine.state() == State::complete) engine.receive(c.at_end, now), ended = true;
     };
     const Outcome outcome = send(data, course);
     const std::size_t start = c.receiver.first_place;
@@ -212,6 +214,9 @@ TEST(ZmodemSender, unusual_but_honest_receivers_get_the_file) {
     EXPECT_LE(outcome.took, 8s);
     const string crc = zmodem_hex_header({ZmodemFrame::zcrc, zmodem_crc32(data)});
     EXPECT_EQ(outcome.there.find(crc) != string::npos, c.on_the_way == answer(13, 0));
+    const string end = answer(8, 0);
+    const auto first_end = outcome.there.find(end);
+    EXPECT_EQ(outcome.there.find(end, first_end + 1) != string::npos, !c.at_end.empty());
     const string challenged = answer(3, 77);
     EXPECT_EQ(outcome.there.find(challenged) != string::npos, c.at_start == answer(14, 77));
   }

@@ -1,6 +1,5 @@
 #include "bench/upload_pair.h"
 
-#include <fcntl.h>
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -9,15 +8,14 @@
 #include <array>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <memory>
 #include <random>
-#include <span>
 #include <string>
 
+#include "upgrade/image_source.h"
 #include "upgrade/zmodem_sender.h"
+#include "virtual/loading.h"
 #include "virtual/real_peer.h"
+#include "virtual/temporary_folder.h"
 
 namespace orvex::bench {
 namespace {
@@ -41,47 +39,16 @@ std::string firmware_like(std::size_t size) {
   return bytes.substr(0, size);
 }
 
-[[noreturn]] void send_ours(const std::string& file, int fd) {
-  class FileOnDisk final : public FileSource {
-   public:
-    explicit FileOnDisk(const std::string& path)
-        : fd_(open(path.c_str(), O_RDONLY)), size_(fs::file_size(path)) {}
-    std::string name() const override { return "upload.bin"; }
-    std::uint64_t size() const override { return size_; }
-    std::int64_t modified() const override { return 1700000000; }
-    unsigned mode() const override { return 0100644; }
-    bool read(std::uint64_t offset, std::span<char> into) override {
-      return pread(fd_, into.data(), into.size(), static_cast<off_t>(offset)) ==
-             static_cast<ssize_t>(into.size());
-    }
-
-   private:
-    const int fd_;
-    const std::uint64_t size_;
-  };
-  ZmodemSender sender(std::make_unique<FileOnDisk>(file), steady_now());
+[[noreturn]] void send_ours(const fs::path& file, int fd) {
+  ZmodemSender sender(open_image(file), steady_now());
   test::drive(sender, fd, steady_now() + 1h);
   _exit(sender.state() == FileEngine::State::complete ? 0 : 1);
 }
 
-std::string random_bytes(std::size_t size) {
-  std::mt19937 random(1);
-  std::string bytes(size, '\0');
-  for (char& byte : bytes) byte = static_cast<char>(random() & 0xFF);
-  return bytes;
-}
-
-std::string content(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
 UploadResult run_upload(const UploadJob& job) {
-  std::string pattern = (fs::temp_directory_path() / "benchXXXXXX").string();
-  const fs::path folder = mkdtemp(pattern.data());
-  const fs::path file = folder / "upload.bin";
-  const std::string data = job.firmware ? firmware_like(job.size) : random_bytes(job.size);
-  std::ofstream(file, std::ios::binary) << data;
+  const test::TemporaryFolder folder;
+  const std::string data = job.firmware ? firmware_like(job.size) : test::random_image(job.size, 1);
+  const fs::path file = folder.write("upload.bin", data);
   fs::create_directory(folder / "got");
 
   test::Pty port, device;
@@ -90,7 +57,7 @@ UploadResult run_upload(const UploadJob& job) {
   const Time began = steady_now();
   pid_t sender = 0;
   if (!job.ours) {
-    sender = test::start_on(port.slave(), folder, {"sz", "--binary", "-q", "upload.bin"});
+    sender = test::start_on(port.slave(), folder.path(), {"sz", "--binary", "-q", "upload.bin"});
   } else if ((sender = fork()) == 0) {
     close(port.master());
     send_ours(file, port.slave());
@@ -110,14 +77,12 @@ UploadResult run_upload(const UploadJob& job) {
   const auto seconds = [](timeval time) {
     return static_cast<double>(time.tv_sec) + 1e-6 * static_cast<double>(time.tv_usec);
   };
-  const UploadResult result{
-      .intact = status == 0 && content(folder / "got" / "upload.bin") == data,
+  return {
+      .intact = status == 0 && test::content(folder / "got" / "upload.bin") == data,
       .seconds = std::chrono::duration<double>(there.last_byte() - began).count(),
       .bytes = static_cast<double>(there.bytes()),
       .processor = seconds(usage.ru_utime) + seconds(usage.ru_stime),
       .silence = std::chrono::duration<double>(there.source_left_at() - back.dies_at()).count()};
-  fs::remove_all(folder);
-  return result;
 }
 
 struct Report {

@@ -103,7 +103,7 @@ TEST(ZmodemSender, few_answers_are_asked_for_where_the_line_outruns_its_rate_and
     course.byte_time = c.byte_time;
     course.step = c.step;
     course.there = c.there;
-    course.driver_room = 16384;
+    course.driver_room = 32768;
     const Outcome outcome = send(data, course);
     expect_complete(outcome, data);
     std::size_t answers = 0;

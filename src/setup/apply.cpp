@@ -9,7 +9,7 @@ namespace orvex {
 namespace {
 
 constexpr std::size_t most_in_reply = 32767;
-/// Characters between two calls of keep_alive: well under a millisecond of work.
+/// Characters of a long text between two calls of keep_alive: well under a millisecond of work.
 constexpr std::size_t alive_step = 1 << 16;
 
 void apply_choice(ScannerSetup& setup, const Parameter& row, std::string_view value) {
@@ -18,21 +18,23 @@ void apply_choice(ScannerSetup& setup, const Parameter& row, std::string_view va
   setup.choose(row.field, static_cast<std::size_t>(found - row.choices.begin()));
 }
 
-/// False where the text ends inside a frame.
-bool apply_frames(ScannerSetup& setup, std::string_view text, const KeepAlive& keep_alive) {
-  std::size_t alive_at = alive_step;
+/// False where the text ends inside a frame. Calls keep_alive inside a frame, after `step`
+/// characters each.
+bool apply_frames(ScannerSetup& setup, std::string_view text, std::size_t step,
+                  const KeepAlive& keep_alive) {
+  std::size_t alive_at = 0;
   std::size_t position = 0;
   while (true) {
     const auto start = text.find(SOH, position);
     if (start == std::string_view::npos || start + 1 >= text.size()) return true;
     const auto end = text.find(EOT, start + 1);
     if (end == std::string_view::npos) return false;
-    Apply_Tag(setup, text.substr(start + 1, end - start - 1));
-    position = end + 1;
-    if (position >= alive_at) {
-      alive_at = position + alive_step;
+    if (start >= alive_at) {
+      alive_at = start + step;
       keep_alive();
     }
+    Apply_Tag(setup, text.substr(start + 1, end - start - 1));
+    position = end + 1;
   }
 }
 
@@ -53,12 +55,12 @@ void Apply_Tag(ScannerSetup& setup, std::string_view tag) {
 }
 
 void Apply_Stream(ScannerSetup& setup, std::string_view text, const KeepAlive& keep_alive) {
-  apply_frames(setup, text, keep_alive);
+  apply_frames(setup, text, alive_step, keep_alive);
 }
 
 void apply_reply(ScannerSetup& setup, std::string_view reply, const KeepAlive& keep_alive) {
   if (reply.size() > most_in_reply) throw overflow_error();
-  if (!apply_frames(setup, reply, keep_alive)) throw overflow_error();
+  if (!apply_frames(setup, reply, 0, keep_alive)) throw overflow_error();
 }
 
 }  // namespace orvex

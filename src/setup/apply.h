@@ -11,7 +11,7 @@ namespace orvex {
 /// nothing.
 void Apply_Tag(ScannerSetup& setup, std::string_view tag);
 
-/// Called again and again inside a long text, to keep the window alive.
+/// Called inside a frame, in a long text now and then only, so that the window stays alive.
 using KeepAlive = std::function<void()>;
 
 /// Takes each frame SOH tag EOT of the text into the setup, in their order. Characters between

@@ -58,7 +58,8 @@ void QtLine::open(int com_port, const LineSettings& settings) {
   if (!port_.open(QIODevice::ReadWrite)) throw not_available(port_.errorString());
   open_ = true;
   try {
-    apply(settings);
+    if (!takes(settings)) throw not_available(port_.errorString());
+    settings_ = settings;
     // A pseudo-terminal has neither line; a port that has them raises them here.
     port_.setDataTerminalReady(true);
     port_.setRequestToSend(true);
@@ -84,10 +85,15 @@ std::string QtLine::device_path(int com_port) const {
 
 void QtLine::configure(const LineSettings& settings) {
   if (!open_) throw port_not_open_error();
-  apply(settings);
+  if (!takes(settings)) {
+    const QString reason = port_.errorString();
+    takes(settings_);  // what it did take of the new ones goes again
+    throw not_available(reason);
+  }
+  settings_ = settings;
 }
 
-void QtLine::apply(const LineSettings& settings) {
+bool QtLine::takes(const LineSettings& settings) {
   const bool rate_taken = port_.setBaudRate(settings.baud);
   bool form_taken =
       port_.setDataBits(settings.data_bits == 7 ? QSerialPort::Data7 : QSerialPort::Data8);
@@ -96,7 +102,7 @@ void QtLine::apply(const LineSettings& settings) {
       port_.setStopBits(settings.stop_bits == 2 ? QSerialPort::TwoStop : QSerialPort::OneStop) &&
       form_taken;
   form_taken = port_.setFlowControl(QSerialPort::NoFlowControl) && form_taken;
-  if (!rate_taken || (!form_taken && !pseudo_terminal_)) throw not_available(port_.errorString());
+  return rate_taken && (form_taken || pseudo_terminal_);
 }
 
 void QtLine::write(std::string_view bytes) {

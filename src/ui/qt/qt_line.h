@@ -30,13 +30,14 @@ class QtLine final : public QObject, public Line {
 
  private:
   void error_occurred(QSerialPort::SerialPortError error);
-  void apply(const LineSettings& settings);
+  bool takes(const LineSettings& settings);
   std::size_t unsent_by_system() const;
 
   QtWindows& windows_;
   std::filesystem::path links_;
   QSerialPort port_;
   Listener* listener_ = nullptr;
+  LineSettings settings_;  // what the open port has taken
   bool open_ = false;
   bool pseudo_terminal_ = false;
 };

@@ -93,27 +93,33 @@ std::error_code write_to_device(const fs::path& path, std::string_view bytes) {
   return write_all(device.get(), bytes);
 }
 
-/// Gives the new file the old one's rights, or those that a fresh file gets.
-void take_over_rights(int descriptor, const std::optional<struct stat>& old) {
-  if (old) {
-    if (::fchown(descriptor, old->st_uid, old->st_gid) != 0) {
-      // Only root may give a file away; the user's own is as good.
-    }
-    ::fchmod(descriptor, old->st_mode & 07777);
-  } else {
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    ::fchmod(descriptor, 0666 & ~mask);
-  }
+/// What a fresh file gets: in a folder of a group, where links give way, the whole group replaces
+/// it.
+mode_t rights_of_new(Links links) {
+  if (links == Links::replace) return 0664;
+  const mode_t mask = ::umask(0);
+  ::umask(mask);
+  return 0666 & ~mask;
 }
 
-std::error_code write_beside_and_rename(const fs::path& path, std::string_view bytes,
-                                        const std::optional<struct stat>& old) {
+void take_over_rights(int descriptor, const struct stat& old) {
+  if (::fchown(descriptor, old.st_uid, old.st_gid) != 0) {
+    // Only root may give a file away; the user's own is as good.
+  }
+  ::fchmod(descriptor, old.st_mode & 07777);
+}
+
+std::error_code write_beside_and_rename(const fs::path& path, std::string_view bytes, Links links,
+                                        const struct stat* old) {
   const fs::path folder = path.has_parent_path() ? path.parent_path() : fs::path(".");
   std::string beside = (folder / ".orvex-XXXXXX").string();
   const Descriptor file(::mkostemp(beside.data(), O_CLOEXEC));
   if (file.get() < 0) return last_error();
-  take_over_rights(file.get(), old);
+  if (old != nullptr) {
+    take_over_rights(file.get(), *old);
+  } else {
+    ::fchmod(file.get(), rights_of_new(links));
+  }
   std::error_code error = write_all(file.get(), bytes);
   if (!error && ::fsync(file.get()) != 0) error = last_error();
   if (!error && ::rename(beside.c_str(), path.c_str()) != 0) error = last_error();
@@ -234,12 +240,12 @@ std::error_code replace_file(const fs::path& name, std::string_view bytes, Links
     path = behind_links(name, error);
     if (error) return error;
   } else if (fs::is_symlink(fs::symlink_status(name, error))) {
-    return write_beside_and_rename(name, bytes, std::nullopt);
+    return write_beside_and_rename(name, bytes, links, nullptr);
   }
   struct stat status {};
   if (::stat(path.c_str(), &status) != 0) {
     if (errno != ENOENT) return last_error();
-    error = write_beside_and_rename(path, bytes, std::nullopt);
+    error = write_beside_and_rename(path, bytes, links, nullptr);
     // For a new file a missing folder is what is not found.
     return error == std::errc::no_such_file_or_directory
                ? std::make_error_code(std::errc::not_a_directory)
@@ -248,7 +254,7 @@ std::error_code replace_file(const fs::path& name, std::string_view bytes, Links
   if (S_ISDIR(status.st_mode)) return std::make_error_code(std::errc::is_a_directory);
   if (!S_ISREG(status.st_mode)) return write_to_device(path, bytes);
   if (::access(path.c_str(), W_OK) != 0) return last_error();
-  return write_beside_and_rename(path, bytes, status);
+  return write_beside_and_rename(path, bytes, links, &status);
 }
 
 InputFile::~InputFile() {
@@ -258,7 +264,14 @@ InputFile::~InputFile() {
 std::error_code InputFile::open(const fs::path& path) {
   close();
   const int descriptor = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-  if (descriptor < 0) return last_error();
+  if (descriptor < 0) {
+    const auto error = last_error();
+    std::error_code ignored;
+    const bool folder_is_missing =
+        error == std::errc::no_such_file_or_directory &&
+        !fs::is_directory(fs::absolute(path, ignored).parent_path(), ignored);
+    return folder_is_missing ? std::make_error_code(std::errc::not_a_directory) : error;
+  }
   handle_ = descriptor;
   struct stat status {};
   if (::fstat(descriptor, &status) != 0) return last_error();

@@ -91,6 +91,9 @@ std::error_code InputFile::open(const fs::path& path) {
                                     OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
   if (file == INVALID_HANDLE_VALUE) {
     const auto error = last_error();
+    if (error.value() == ERROR_PATH_NOT_FOUND) {
+      return std::make_error_code(std::errc::not_a_directory);
+    }
     std::error_code ignored;
     return fs::is_directory(path, ignored) ? std::make_error_code(std::errc::is_a_directory)
                                            : error;

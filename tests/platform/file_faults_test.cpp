@@ -108,7 +108,9 @@ TEST(FileFaults, a_link_in_place_of_the_state_file_gives_way_and_its_target_stay
     Load_Ini(state, folder.path());
     EXPECT_EQ(state.PortCom, "1");
     EXPECT_TRUE(save_ini(state, 3, "9600,N,8,1"));
-    EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(folder / ini_name)));
+    const auto status = fs::symlink_status(folder / ini_name);
+    EXPECT_TRUE(fs::is_regular_file(status));
+    EXPECT_EQ(status.permissions(), fs::perms{0664}) << "the next user is in the same group";
     EXPECT_EQ(content(folder / "target"), "PORTCOM=9;");
     EXPECT_EQ(unfinished(folder.path()), 0);
   }

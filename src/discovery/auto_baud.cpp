@@ -46,6 +46,7 @@ class Scan {
     link_.state.TimedOut = 0;
     form1_.Timer1.Interval(answer_wait_ms);
     load_form2(link_);
+    lay_out_for_scan(form2_);  // the end of an upload may find it as the About box
     form2_.Visible = true;
     attempts_([&] { link_.exchange.empty_receive_side(); });
     for (const auto rate : rates) {
@@ -123,6 +124,11 @@ class Scan {
 
 void mnuauto_Click(ScannerLink& link) {
   Scan(link).run();
+}
+
+void lay_out_for_scan(Form2& form2) {
+  form2.Modal = form2.Command3.Visible = false;
+  form2.Label2.Visible = form2.Label3.Visible = true;
 }
 
 void load_form2(ScannerLink& link) {

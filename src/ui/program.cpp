@@ -172,10 +172,8 @@ void Program::mnuabout_Click() {
 }
 
 void Program::Command3_Click() {
-  Form2& form2 = forms.form2;
-  form2.Command3.Visible = false;
-  form2.Label2.Visible = form2.Label3.Visible = true;
-  form2.Modal = form2.Visible = false;
+  lay_out_for_scan(forms.form2);
+  forms.form2.Visible = false;
 }
 
 void Program::Form3_Command1_Click() {

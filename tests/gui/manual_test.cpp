@@ -42,5 +42,20 @@ TEST(ManualDialog, each_of_its_rates_finds_the_scanner_and_a_restart_scans_the_s
   }
 }
 
+TEST(ManualDialog, it_stays_where_the_user_put_it_until_it_is_closed) {
+  Pilot pilot({"--rate", "9600"});
+  pilot.start();
+  pilot.click("mnumanual");
+  QWidget* dialog = pilot.find("Form4", "Form4");
+  const QPoint middle = dialog->pos();
+  dialog->move(7, 9);
+  pilot.click("Command2", "Form4");
+  pilot.click("mnumanual");
+  EXPECT_EQ(dialog->pos(), QPoint(7, 9));
+  dialog->close();
+  pilot.click("mnumanual");
+  EXPECT_EQ(dialog->pos(), middle);
+}
+
 }  // namespace
 }  // namespace orvex

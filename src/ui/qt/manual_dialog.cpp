@@ -8,6 +8,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QVBoxLayout>
+#include <utility>
 
 #include "ui/qt/text.h"
 
@@ -79,9 +80,13 @@ void ManualDialog::add_button(QLayout& row, const char* name, const char* captio
 
 void ManualDialog::show_as(bool visible) {
   setWindowModality(Qt::ApplicationModal);
-  if (visible) {
-    adjustSize();
-    move(screen()->geometry().center() - rect().center());
+  if (!visible) {
+    placed_ = program_.forms.form4.Loaded;  // one that was only hidden comes back where it was
+  } else {
+    if (!std::exchange(placed_, true)) {
+      adjustSize();
+      move(screen()->geometry().center() - rect().center());
+    }
     findChild<QWidget*>("Combo1")->setFocus();
   }
   setVisible(visible);

@@ -28,6 +28,7 @@ class ManualDialog final : public QDialog {
 
   QtWindows& windows_;
   Program& program_;
+  bool placed_ = false;
 };
 
 }  // namespace orvex

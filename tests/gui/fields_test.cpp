@@ -97,9 +97,8 @@ TEST_F(Fields, a_pick_replaces_the_selection_and_hands_the_focus_back) {
     int caret;
   };
   const Pick picks[]{
-      {"", 0, 0, "CharList(2)", "[STX]", 5},
-      {"AB", 1, 0, "CharList(13)", "A[CR]B", 5},
-      {"ABCD", 1, 2, "CharList(13)", "A[CR]D", 5},
+      {"", 0, 0, "CharList(2)", "[STX]", 5},       {"AB", 1, 0, "CharList(13)", "A[CR]B", 5},
+      {"ABCD", 1, 2, "CharList(13)", "A[CR]D", 5}, {"A[CR]D", 1, 4, "CharList(13)", "A[CR]D", 5},
       {"x", 1, 0, "CharList(127)", "x[DEL]", 6},
   };
   pilot_.click("mnuPrefix");

@@ -39,6 +39,7 @@ LimitedEdit::LimitedEdit(QtWindows& windows, std::u16string& record, Caret& care
                     [this](const auto&) { show_record(); });
   windows.view.always([this] {
     if (!std::exchange(caret_.focus_wanted, false)) return;
+    setCursorPosition(caret_.SelStart);  // a pick may leave the text as it was
     setFocus();
   });
 }

@@ -1,6 +1,7 @@
 #include "upgrade/upgrade.h"
 
 #include <algorithm>
+#include <cmath>
 #include <string>
 #include <utility>
 
@@ -75,7 +76,8 @@ void Upgrade::mnuload_Click(int Index) {
   try {
     load_image(*path);
   } catch (const RunTimeError& error) {
-    close();
+    // Once the transfer is watched, the verdict closes the window.
+    if (!Timer3_.Enabled()) close();
     link_.windows.MsgBox(box_for(error));
   }
 }
@@ -117,6 +119,10 @@ void Upgrade::FileProgress(std::int32_t done) {
   bar.Min = 0;
   bar.Max = static_cast<float>(std::max(link_.MSComm1.FileTotal(), 1));
   bar.Value = std::min(static_cast<float>(done), bar.Max);
+  // Above 16 MiB a float may take one byte less for all.
+  if (done < link_.MSComm1.FileTotal() && bar.Value >= bar.Max) {
+    bar.Value = std::nextafter(bar.Max, 0.0F);
+  }
 }
 
 bool Upgrade::active() const {
@@ -164,8 +170,12 @@ void Upgrade::prepare_and_start(const std::filesystem::path& path) {
   {
     cancel_wanted_ = false;
     const While preparing(preparing_);
-    ready = Check_Rev(link_) == 1 && !left_by_user() && Fast_Load(link_) == 1 && !left_by_user() &&
-            link_.exchange.Send_Tag(load_tag) == 1;
+    try {
+      ready = Check_Rev(link_) == 1 && !left_by_user() && Fast_Load(link_) == 1 &&
+              !left_by_user() && link_.exchange.Send_Tag(load_tag) == 1;
+    } catch (const RunTimeError&) {
+      if (!cancel_wanted_) throw;
+    }
   }
   if (std::exchange(cancel_wanted_, false)) {
     cancel();

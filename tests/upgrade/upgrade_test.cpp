@@ -135,6 +135,26 @@ TEST_F(UpgradeTest, a_cancel_while_all_settles_is_one_all_the_same) {
   EXPECT_EQ(line.settings.baud, 9600);
 }
 
+TEST_F(UpgradeTest, a_cancel_stays_one_where_the_revision_turns_out_to_be_no_number) {
+  scanner.faults = {.only = "<APP1RV:>", .late_acks = 1, .late_by = 900ms};
+  windows.files = {folder.write("image.bin", random_image(2000, 1, "four   "))};
+  windows.answers = {{Answer::yes, 100ms}, {Answer::yes}};
+  windows.at(now() + 500ms, [&] { program.Form3_Command1_Click(); });
+  press(&Program::mnuload_Click, load_item);
+  EXPECT_EQ(windows.box_texts(), question + cancel_question);
+  EXPECT_FALSE(form3().Loaded);
+}
+
+TEST_F(UpgradeTest, the_scan_behind_a_load_takes_an_open_about_box_for_itself) {
+  windows.answers = {{Answer::ok, 500ms}};
+  load(500);
+  press(&Program::mnuabout_Click);
+  windows.idle(9s);
+  const Form2& form2 = program.forms.form2;
+  EXPECT_FALSE(form2.Visible || form2.Modal || form2.Command3.Visible);
+  EXPECT_TRUE(form2.Label2.Visible && form2.Label3.Visible);
+}
+
 TEST_F(UpgradeTest, no_to_the_cancel_changes_nothing_and_the_verdict_takes_the_question_down) {
   load(500);
   windows.answers = {{Answer::no, 500ms}, {Answer::yes, 60s}};
@@ -167,6 +187,7 @@ TEST_F(UpgradeTest, ends_before_the_transfer_close_the_window_and_say_no_more_th
       {"too short", "short", "", "", Answer::yes, "", ""},
       {"missing", "missing", "", "", Answer::yes, "[Error # 53 File not found]", ""},
       {"no folder", "fw/x", "", "", Answer::yes, "[Cannot open the drive]", ""},
+      {"missing folder", "away/fw", "", "", Answer::yes, "[Cannot open the drive]", ""},
       {"folder", ".", "", "", Answer::yes, "[Error # 75 Path/File access error]", ""},
       {"cancelled", "", "", "", Answer::yes, "", ""},
   };
@@ -196,8 +217,9 @@ TEST_F(UpgradeTest, an_image_that_goes_before_the_transfer_ends_in_a_box) {
   windows.at(now() + 10ms, [&] { std::filesystem::remove(folder / "image.bin"); });
   load(500);
   EXPECT_EQ(windows.box_texts(), question + "[Error # 53 File not found]");
-  EXPECT_FALSE(form3().Loaded);
+  EXPECT_TRUE(form3().Loaded) << "the verdict closes it";
   windows.idle(10s);
+  EXPECT_FALSE(form3().Loaded);
   EXPECT_EQ(windows.boxes.size(), 2U);
 }
 

@@ -7,6 +7,7 @@
 #include <QPainter>
 #include <QProgressBar>
 #include <QPushButton>
+#include <algorithm>
 #include <array>
 #include <tuple>
 
@@ -32,6 +33,12 @@ const std::array header_rows{
 
 constexpr int cell_width = 260;
 constexpr int cell_height = 40;
+
+/// As the toolkit's bar takes it, which ends 127 below 2 GiB.
+int whole(float value) {
+  constexpr float largest_in_int = 2147483520;
+  return static_cast<int>(std::min(value, largest_in_int));
+}
 
 /// Each byte as one character that can be seen.
 QString visible_text(const std::string& bytes) {
@@ -91,7 +98,8 @@ UploadWindow::UploadWindow(QtWindows& windows, Program& program, QWidget* parent
 }
 
 void UploadWindow::reject() {
-  close();
+  // Esc is no quicker way out than the button.
+  windows_.handle([this] { program_.Form3_Command1_Click(); });
 }
 
 void UploadWindow::closeEvent(QCloseEvent* event) {
@@ -131,8 +139,8 @@ void UploadWindow::add_progress(QGridLayout& grid) {
   windows_.view.bind(
       [this] {
         const ProgressBar& record = program_.forms.form3.ProgressBar1;
-        return std::tuple(static_cast<int>(record.Min), static_cast<int>(record.Max),
-                          static_cast<int>(record.Value), record.Visible);
+        return std::tuple(whole(record.Min), whole(record.Max), whole(record.Value),
+                          record.Visible);
       },
       [bar](const auto& state) {
         const auto& [least, most, value, visible] = state;

@@ -160,6 +160,20 @@ TEST(ApplyStream, cuts_frames_out_of_any_text) {
   }
 }
 
+TEST(ApplyStream, what_the_user_changes_ahead_of_a_replys_frame_gives_way_to_its_tag) {
+  ScannerSetup setup;
+  int frames = 0;
+  apply_reply(setup, frame("<CD39EN=1>") + frame("<CD39EN=0>") + frame("<PREFIX=a>"), [&] {
+    ++frames;
+    setup.choose(Field::CD39EN, 1);
+    setup.text(Field::SUFFIX) = u"b";
+  });
+  EXPECT_EQ(frames, 3);
+  EXPECT_EQ(setup.choice(Field::CD39EN), 1U) << "changed ahead of the last frame";
+  EXPECT_EQ(setup.text(Field::PREFIX), u"a");
+  EXPECT_EQ(setup.text(Field::SUFFIX), u"b");
+}
+
 TEST(ApplyStream, keeps_the_window_alive_in_a_long_text) {
   std::string text;
   while (text.size() < 1'000'000) text += frame("<CD39EN=1>");

@@ -285,6 +285,20 @@ TEST_F(UploadWindowTest, a_count_never_overshoots_and_none_is_never_complete) {
   EXPECT_EQ(bar.Value, 1);
 }
 
+TEST_F(UploadWindowTest, one_byte_is_missed_where_a_float_would_take_it_for_all) {
+  constexpr std::int32_t all_but_one = 1 << 25;
+  MSComm1.FileName(folder.write("image.bin", "x"));
+  std::filesystem::resize_file(folder / "image.bin", all_but_one + 1);
+  MSComm1.Protocol(5);
+  MSComm1.FileSendOn(true);
+  forms.form3.Loaded = true;
+  const ProgressBar& bar = forms.form3.ProgressBar1;
+  upgrade.FileProgress(all_but_one);
+  EXPECT_LT(bar.Value, bar.Max);
+  upgrade.FileProgress(all_but_one + 1);
+  EXPECT_EQ(bar.Value, bar.Max);
+}
+
 TEST_F(UploadWindowTest, the_data_events_are_off_while_it_stands_and_come_back) {
   MSComm1.RThreshold(3);
   MSComm1.SThreshold(4);

@@ -36,7 +36,7 @@ constexpr int cell_height = 40;
 
 /// As the toolkit's bar takes it, which ends 127 below 2 GiB.
 int whole(float value) {
-  constexpr float largest_in_int = 2147483520;
+  constexpr float largest_in_int = 2147483520.0F;
   return static_cast<int>(std::min(value, largest_in_int));
 }
 

@@ -38,7 +38,7 @@ class Line {
   /// Path of the device that port COM `com_port` stands for, empty where there is none.
   virtual std::string device_path(int com_port) const = 0;
 
-  /// Changes the settings of the open line, for the next byte on.
+  /// Changes the settings of the open line, for the next byte on: all of them, or none and a throw.
   virtual void configure(const LineSettings& settings) = 0;
   virtual void write(std::string_view bytes) = 0;
   /// All that has come and was not read yet.

@@ -6,6 +6,11 @@
 #include <ctime>
 
 namespace orvex::bench {
+namespace {
+
+int missed = 0;
+
+}  // namespace
 
 double median(std::vector<double> values) {
   std::ranges::sort(values);
@@ -17,6 +22,11 @@ void print_row(const std::string& figure, double value, const char* unit, double
   std::printf("| %s | %.4g %s | %.4g %s | %s |\n", figure.c_str(), value, unit, limit, unit,
               value <= limit ? "kept" : "MISSED");
   std::fflush(stdout);
+  missed += value <= limit ? 0 : 1;
+}
+
+int missed_rows() {
+  return missed;
 }
 
 double wall_seconds() {

@@ -9,8 +9,11 @@ namespace orvex::bench {
 double median(std::vector<double> values);
 
 /// Prints one row of the table: what was measured, the median with its unit and the limit it has to
-/// keep, and whether it does.
+/// keep, and whether it does. Counts the rows that don't.
 void print_row(const std::string& figure, double value, const char* unit, double limit);
+
+/// How many rows have missed their limit so far.
+int missed_rows();
 
 /// Seconds of a steady clock, and of this process's work on the processor.
 double wall_seconds();

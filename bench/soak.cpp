@@ -1,6 +1,7 @@
 // Thousands of transactions and hundreds of uploads on a line with random damage, on a virtual
 // clock: what was accepted is what was sent, all comes to an end, and memory doesn't grow.
-// orvex-bench-soak [seed]
+// orvex-bench-soak [seed [seconds]]: one turn with this seed, or turns with the next ones until the
+// seconds are over.
 
 #include <malloc.h>
 
@@ -14,7 +15,7 @@
 
 #include "bench/figures.h"
 #include "setup/scanner_setup.h"
-#include "virtual/desk.h"
+#include "testing/virtual/desk.h"
 
 namespace orvex::bench {
 namespace {
@@ -26,7 +27,7 @@ using Random = std::mt19937;
 
 constexpr int rounds = 200;  // of one upload each
 constexpr int transactions_a_round = 50;
-constexpr int rounds_a_bench = 20;  // the virtual clock ends after six hours
+constexpr int rounds_a_desk = 20;  // the virtual clock ends after six hours
 constexpr std::size_t largest_image = 40000;
 constexpr long most_growth_kib = 1024;
 
@@ -69,40 +70,40 @@ std::string random_tag(Random& random, const ScannerSetup& setup) {
   return all;
 }
 
-void transact(test::Bench& bench, Random& random, Tally& tally) {
+void transact(testing::LinkDesk& desk, Random& random, Tally& tally) {
   const bool damaged = random() % 4 != 0;
-  bench.line.to_scanner = damaged ? random_damage(random, 2) : LineDamage{};
-  bench.line.to_tool = damaged ? random_damage(random, 2) : LineDamage{};
+  desk.line.to_scanner = damaged ? random_damage(random, 2) : LineDamage{};
+  desk.line.to_tool = damaged ? random_damage(random, 2) : LineDamage{};
   if (!damaged) {
-    bench.line.match_scanner();
-    while (bench.line.due()) bench.windows.idle(1s);  // what is late comes in
+    desk.line.match_scanner();
+    while (desk.line.due()) desk.windows.idle(1s);  // what is late comes in
   }
-  bench.line.frames.clear();
-  bench.scanner.frames.clear();
-  bench.windows.boxes.clear();
-  bench.windows.pumps = 0;
+  desk.line.frames.clear();
+  desk.scanner.frames.clear();
+  desk.windows.boxes.clear();
+  desk.windows.pumps = 0;
   const std::string tag = random_tag(random, ScannerSetup());
-  const Time began = bench.now();
-  const auto result = bench.exchange.Send_Tag(tag);
+  const Time began = desk.now();
+  const auto result = desk.exchange.Send_Tag(tag);
   ++tally.transactions;
   tally.damaged += damaged;
   tally.acknowledged += result;
-  tally.bytes_hit += bench.line.to_scanner.hits() + bench.line.to_tool.hits();
+  tally.bytes_hit += desk.line.to_scanner.hits() + desk.line.to_tool.hits();
   require(result == 0 || result == 1, "a result of 0 or 1", tally);
-  require(bench.now() - began <= 3 * 1000ms + 1500ms, "an end in time", tally);
-  require(!bench.forms.form1.Timer1.Enabled() || !bench.windows.boxes.empty(), "a timer at rest",
+  require(desk.now() - began <= 3 * 1000ms + 1500ms, "an end in time", tally);
+  require(!desk.forms.form1.Timer1.Enabled() || !desk.windows.boxes.empty(), "a timer at rest",
           tally);
-  require(bench.line.frames.size() >= 1 && bench.line.frames.size() <= 3, "1 to 3 frames", tally);
-  require(damaged || (result == 1 && bench.line.frames.size() == 1 &&
-                      bench.scanner.frames == std::vector{tag}),
+  require(desk.line.frames.size() >= 1 && desk.line.frames.size() <= 3, "1 to 3 frames", tally);
+  require(damaged || (result == 1 && desk.line.frames.size() == 1 &&
+                      desk.scanner.frames == std::vector{tag}),
           "a good line that works at once", tally);
 }
 
 void upload(Random& random, Tally& tally) {
-  test::Desk desk;
+  testing::Desk desk;
   desk.start();
   const std::size_t size = 109 + random() % largest_image;
-  const std::string image = test::random_image(size, static_cast<std::uint32_t>(random()));
+  const std::string image = testing::random_image(size, static_cast<std::uint32_t>(random()));
   const bool damaged = random() % 8 != 0;
   const LineDamage to_scanner = damaged ? random_damage(random, 8) : LineDamage{};
   const LineDamage to_tool = damaged ? random_damage(random, 6) : LineDamage{};
@@ -151,12 +152,12 @@ int run(unsigned seed) {
   std::printf("seed %u\n", seed);
   Random random(seed);
   Tally tally;
-  std::unique_ptr<test::Bench> bench;
+  std::unique_ptr<testing::LinkDesk> desk;
   long quarter = 0;
   const double began = processor_seconds();
   for (int round = 0; round < rounds; ++round) {
-    if (round % rounds_a_bench == 0) bench = std::make_unique<test::Bench>();
-    for (int i = 0; i < transactions_a_round; ++i) transact(*bench, random, tally);
+    if (round % rounds_a_desk == 0) desk = std::make_unique<testing::LinkDesk>();
+    for (int i = 0; i < transactions_a_round; ++i) transact(*desk, random, tally);
     upload(random, tally);
     if (round + 1 == rounds / 4) quarter = resident_kib();
   }
@@ -178,6 +179,14 @@ int run(unsigned seed) {
 }  // namespace orvex::bench
 
 int main(int count, char** arguments) {
-  const auto seed = count > 1 ? std::strtoul(arguments[1], nullptr, 10) : 1;
-  return orvex::bench::run(static_cast<unsigned>(seed));
+  const auto number = [&](int which, unsigned long otherwise) {
+    return count > which ? std::strtoul(arguments[which], nullptr, 10) : otherwise;
+  };
+  auto seed = static_cast<unsigned>(number(1, 1));
+  const double end = orvex::bench::wall_seconds() + static_cast<double>(number(2, 0));
+  int failures = 0;
+  do {
+    failures += orvex::bench::run(seed++);
+  } while (orvex::bench::wall_seconds() < end);
+  return failures == 0 ? 0 : 1;
 }

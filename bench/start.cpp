@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <memory>
 
-#include "ui/qt/desktop.h"
+#include "qt/desktop.h"
 
 namespace {
 

@@ -1,9 +1,7 @@
-// Uploads to rz through a relayed line, ours and those of sz side by side. Prints rows of a table.
-// orvex-bench-upload [-n runs] [-k KiB] [-j uploads at once] [-b buffered bytes] [row ...]
+// Uploads through a relayed line, ours and those of sz side by side. Prints rows of a table.
+// orvex-bench-upload [-n runs] [-j uploads at once] [row ...]
 
 #include <algorithm>
-#include <array>
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -11,120 +9,18 @@
 #include <vector>
 
 #include "bench/figures.h"
-#include "bench/upload_pair.h"
+#include "bench/upload_rows.h"
 
 namespace orvex::bench {
 namespace {
 
-using namespace std::chrono_literals;
-
-constexpr Time at_115200 = Time(86806);  // a byte of 10 bits
-
-enum class Kind { clean, damaged, answers, silent, unpaced };
-
-struct Row {
-  const char* name;
-  Kind kind;
-  double most_time;  ///< over that of sz; clean rows only
-  LineKind there, back;
-  bool firmware = false;
-};
-
-const std::array rows{
-    Row{"random", Kind::clean, 1.003, {.byte_time = at_115200}, {.byte_time = at_115200}},
-    Row{"firmware", Kind::clean, 1.003, {.byte_time = at_115200}, {.byte_time = at_115200}, true},
-    Row{"16 ms", Kind::clean, 1.005, {at_115200, 16ms}, {at_115200, 16ms}},
-    Row{"flip 100 kB",
-        Kind::damaged,
-        0,
-        {.byte_time = at_115200, .flip_every = 100000},
-        {.byte_time = at_115200}},
-    Row{"flip 10 kB",
-        Kind::damaged,
-        0,
-        {.byte_time = at_115200, .flip_every = 10000},
-        {.byte_time = at_115200}},
-    Row{"drop 64 kB",
-        Kind::damaged,
-        0,
-        {.byte_time = at_115200, .drop_every = 65536},
-        {.byte_time = at_115200}},
-    Row{"bad answers",
-        Kind::answers,
-        0,
-        {.byte_time = at_115200},
-        {.byte_time = at_115200, .flip_every = 1009}},
-    Row{"silent",
-        Kind::silent,
-        0,
-        {.byte_time = at_115200},
-        {.byte_time = at_115200, .dies_after = 5s}},
-    Row{"unpaced", Kind::unpaced, 0, {}, {}},
-};
-
-/// Medians of the runs of a row.
-struct Pair {
-  UploadResult ours, sz;
-};
-
-UploadResult median_of(const UploadResult* first, std::size_t runs) {
-  const auto middle = [&](double UploadResult::*figure) {
-    std::vector<double> values;
-    for (std::size_t run = 0; run < runs; ++run) values.push_back(first[run].*figure);
-    return median(values);
-  };
-  UploadResult result{true, middle(&UploadResult::seconds), middle(&UploadResult::bytes),
-                      middle(&UploadResult::processor), middle(&UploadResult::silence)};
-  for (std::size_t run = 0; run < runs; ++run) result.intact &= first[run].intact;
-  return result;
-}
-
-/// `clean` is the row of random data on a good line, of the same run.
-void print(const Row& row, const Pair& pair, const Pair& clean, double mebibytes) {
-  const std::string what = std::string("upload, ") + row.name + ": ";
-  const auto& [ours, sz] = pair;
-  const auto less_than_a_third = [&](const char* figure, double UploadResult::*value) {
-    print_row(what + "extra " + figure + ", over that of sz",
-              (ours.*value - clean.ours.*value) / (sz.*value - clean.sz.*value), "times", 1. / 3);
-  };
-  if (row.kind != Kind::silent && !ours.intact) std::printf("| %sNOT INTACT |\n", what.c_str());
-  std::printf("| upload, %s | %.0f bytes, %.3f s | sz: %.0f bytes, %.3f s | %s |\n", row.name,
-              ours.bytes, ours.seconds, sz.bytes, sz.seconds,
-              sz.intact || row.kind == Kind::silent ? "" : "not intact");
-  switch (row.kind) {
-    case Kind::clean:
-      print_row(what + "time, over that of sz", ours.seconds / sz.seconds, "times", row.most_time);
-      print_row(what + "bytes, over those of sz", ours.bytes / sz.bytes, "times", 1);
-      break;
-    case Kind::damaged:
-      less_than_a_third("bytes", &UploadResult::bytes);
-      less_than_a_third("time", &UploadResult::seconds);
-      break;
-    case Kind::silent:
-      print_row(what + "time to notice (sz: " + std::to_string(std::lround(sz.silence)) + " s)",
-                ours.silence, "s", 15);
-      break;
-    case Kind::unpaced:
-      print_row(what + "processor time of the engine a MiB (sz: " +
-                    std::to_string(std::lround(sz.processor / mebibytes * 1000)) + " ms)",
-                ours.processor / mebibytes * 1000, "ms", 12);
-      break;
-    case Kind::answers:
-      break;
-  }
-}
-
 struct Options {
-  std::size_t runs = 5;
-  std::size_t kibibytes = 256;
-  std::size_t lanes = 4;
-  std::size_t buffer = 0;
+  std::size_t runs = 1;
+  std::size_t lanes = 8;
   std::vector<std::string_view> wanted;
 
-  bool wants(const Row& row) const {
-    const bool is_measure_of_others = &row == rows.data();
-    return wanted.empty() || is_measure_of_others ||
-           std::ranges::find(wanted, row.name) != wanted.end();
+  bool wants(const UploadRow& row) const {
+    return wanted.empty() || std::ranges::find(wanted, row.name) != wanted.end();
   }
 };
 
@@ -132,11 +28,7 @@ Options parse(int count, char** arguments) {
   Options options;
   for (int i = 1; i < count; ++i) {
     const std::string_view word = arguments[i];
-    std::size_t* number = word == "-n"   ? &options.runs
-                          : word == "-k" ? &options.kibibytes
-                          : word == "-j" ? &options.lanes
-                          : word == "-b" ? &options.buffer
-                                         : nullptr;
+    std::size_t* number = word == "-n" ? &options.runs : word == "-j" ? &options.lanes : nullptr;
     if (number == nullptr) {
       options.wanted.push_back(word);
     } else if (++i < count) {
@@ -146,36 +38,124 @@ Options parse(int count, char** arguments) {
   return options;
 }
 
-bool run(const Options& options) {
-  std::vector<const Row*> wanted;
-  std::vector<UploadJob> jobs;
-  for (const Row& row : rows) {
-    if (!options.wants(row)) continue;
-    wanted.push_back(&row);
-    UploadJob job{true, row.firmware, options.kibibytes * 1024, row.there, row.back};
-    if (row.kind == Kind::unpaced) job.size *= 64;  // or it would be over too soon to measure
-    job.there.buffer = options.buffer;
-    jobs.insert(jobs.end(), options.runs, job);
-    job.ours = false;
-    jobs.insert(jobs.end(), options.runs, job);
+/// The uploads of a row by one of the two senders: medians, and how many arrived.
+struct Side {
+  double seconds = 0, ended = 0, processor = 0, shown = 0, received = 0;
+  std::size_t whole = 0, complete = 0, uploads = 0;
+
+  explicit Side(const std::vector<UploadResult>& results) : uploads(results.size()) {
+    const auto middle = [&](double UploadResult::*figure) {
+      std::vector<double> values;
+      for (const auto& result : results) values.push_back(result.*figure);
+      return median(values);
+    };
+    seconds = middle(&UploadResult::seconds);
+    ended = middle(&UploadResult::ended);
+    processor = middle(&UploadResult::processor);
+    shown = middle(&UploadResult::shown);
+    received = middle(&UploadResult::received);
+    for (const auto& result : results) {
+      whole += result.whole && result.complete;
+      complete += result.complete;
+    }
   }
-  const auto results = run_uploads(jobs, options.lanes);
-  const auto pair_of = [&](std::size_t row) {
-    const UploadResult* first = &results[2 * row * options.runs];
-    return Pair{median_of(first, options.runs), median_of(first + options.runs, options.runs)};
+  bool all_whole() const { return whole == uploads; }
+};
+
+std::string text_of(const Side& side, Judge judge) {
+  std::string text(100, '\0');
+  const double time = judge == Judge::end         ? side.ended
+                      : judge == Judge::processor ? side.processor
+                                                  : side.seconds;
+  const int size = std::snprintf(text.data(), text.size(), "%.2f s", time);
+  text.resize(static_cast<std::size_t>(size));
+  const std::string count = std::to_string(side.whole) + " of " + std::to_string(side.uploads);
+  if (judge == Judge::whole) return count + " whole, " + text;
+  if (judge == Judge::end) return text + (side.complete == 0 ? ", failed" : ", complete");
+  return side.all_whole() ? text : text + ", " + count + " whole";
+}
+
+/// What the row is judged by, in words, and whether it is kept.
+std::pair<std::string, bool> verdict(const UploadRow& row, const Side& ours, const Side& sz) {
+  std::string text(100, '\0');
+  const auto words = [&](const char* format, auto... values) {
+    const int size = std::snprintf(text.data(), text.size(), format, values...);
+    return text.substr(0, static_cast<std::size_t>(size));
   };
-  bool intact = true;
-  for (std::size_t row = 0; row < wanted.size(); ++row) {
-    const Pair pair = pair_of(row);
-    print(*wanted[row], pair, pair_of(0), static_cast<double>(options.kibibytes) * 64 / 1024);
-    intact &= pair.ours.intact || wanted[row]->kind == Kind::silent;
+  const double over_sz = ours.seconds / sz.seconds;
+  const double processor = ours.processor / sz.processor;
+  switch (row.judge) {
+    case Judge::times_of_sz:
+      return {words("%.3f of sz, at most %.3f", over_sz, row.limit),
+              ours.all_whole() && over_sz <= row.limit};
+    case Judge::seconds:
+      return {words("at most %.1f s", row.limit),
+              ours.all_whole() && ours.seconds < row.limit + 0.05};
+    case Judge::whole:
+      return {"all whole", ours.all_whole()};
+    case Judge::end:
+      return {words("fails by %.0f s; the bar at %.0f of %.0f received", row.limit, ours.shown,
+                    ours.received),
+              ours.complete == 0 && ours.ended <= row.limit && ours.shown <= ours.received};
+    case Judge::processor:
+      return {words("%.2f of sz, at most %.2f", processor, row.limit),
+              ours.all_whole() && processor <= row.limit};
   }
-  return intact;
+  return {};
+}
+
+bool print(const UploadRow& row, const Side& ours, const Side& sz) {
+  const auto [wanted, kept] = verdict(row, ours, sz);
+  std::printf("| %s (%zu KiB) | %s | %s | %s | %s |\n", row.name, row.kibibytes,
+              text_of(ours, row.judge).c_str(), text_of(sz, row.judge).c_str(), wanted.c_str(),
+              kept ? "kept" : "MISSED");
+  return kept;
+}
+
+void add_jobs(const UploadRow& row, std::size_t runs, std::vector<UploadJob>& jobs) {
+  UploadJob job = row.job;
+  job.size = row.kibibytes * 1024;
+  std::vector<LineKind> lines = row.variants;
+  if (lines.empty()) lines.push_back(job.there);
+  for (const bool ours : {true, false}) {
+    job.ours = ours;
+    for (const LineKind& line : lines) {
+      job.there = line;
+      jobs.insert(jobs.end(), runs, job);
+    }
+  }
+}
+
+int run(const Options& options) {
+  std::vector<const UploadRow*> rows;
+  std::vector<UploadJob> jobs;
+  std::vector<std::size_t> ends;
+  for (const UploadRow& row : upload_rows()) {
+    if (!options.wants(row)) continue;
+    if (!is_there(row.job.peer)) {
+      std::printf("| %s | left out: not installed | | | |\n", row.name);
+      continue;
+    }
+    rows.push_back(&row);
+    add_jobs(row, options.runs, jobs);
+    ends.push_back(jobs.size());
+  }
+  std::fflush(stdout);
+  const auto results = run_uploads(jobs, options.lanes);
+  bool kept = true;
+  auto from = results.begin();
+  for (std::size_t row = 0; row < rows.size(); ++row) {
+    const auto to = results.begin() + static_cast<std::ptrdiff_t>(ends[row]);
+    const auto middle = from + (to - from) / 2;
+    kept &= print(*rows[row], Side({from, middle}), Side({middle, to}));
+    from = to;
+  }
+  return kept ? 0 : 1;
 }
 
 }  // namespace
 }  // namespace orvex::bench
 
 int main(int count, char** arguments) {
-  return orvex::bench::run(orvex::bench::parse(count, arguments)) ? 0 : 1;
+  return orvex::bench::run(orvex::bench::parse(count, arguments));
 }

@@ -8,21 +8,23 @@
 #include <array>
 #include <cstdlib>
 #include <filesystem>
+#include <memory>
 #include <random>
 #include <string>
+#include <thread>
 
-#include "upgrade/image_source.h"
-#include "upgrade/zmodem_sender.h"
-#include "virtual/loading.h"
-#include "virtual/real_peer.h"
-#include "virtual/temporary_folder.h"
+#include "testing/virtual/loading.h"
+#include "testing/virtual/real_peer.h"
+#include "testing/virtual/temporary_folder.h"
+#include "transfer/image_source.h"
+#include "transfer/zmodem_sender.h"
 
 namespace orvex::bench {
 namespace {
 
 using namespace std::chrono_literals;
 namespace fs = std::filesystem;
-using test::steady_now;
+using testing::steady_now;
 
 // Code and tables look like this: short runs of like words, text, erased flash.
 std::string firmware_like(std::size_t size) {
@@ -39,50 +41,82 @@ std::string firmware_like(std::size_t size) {
   return bytes.substr(0, size);
 }
 
-[[noreturn]] void send_ours(const fs::path& file, int fd) {
+/// Our sender in a process of its own; `report` gets how far its bar came.
+[[noreturn]] void send_ours(const fs::path& file, int fd, int report) {
   ZmodemSender sender(open_image(file), steady_now());
-  test::drive(sender, fd, steady_now() + 1h);
+  testing::drive(sender, fd, steady_now() + 1h);
+  const auto shown = static_cast<double>(sender.progress());
+  if (write(report, &shown, sizeof shown) != sizeof shown) _exit(2);
   _exit(sender.state() == FileEngine::State::complete ? 0 : 1);
 }
 
-UploadResult run_upload(const UploadJob& job) {
-  const test::TemporaryFolder folder;
-  const std::string data = job.firmware ? firmware_like(job.size) : test::random_image(job.size, 1);
-  const fs::path file = folder.write("upload.bin", data);
-  fs::create_directory(folder / "got");
+double seconds_of(timeval time) {
+  return static_cast<double>(time.tv_sec) + 1e-6 * static_cast<double>(time.tv_usec);
+}
 
-  test::Pty port, device;
-  const pid_t rz =
-      test::start_on(device.slave(), folder / "got", {"rz", "--binary", "--overwrite", "-q"});
-  const Time began = steady_now();
-  pid_t sender = 0;
+double seconds_of(Time time) {
+  return std::chrono::duration<double>(time).count();
+}
+
+/// The sender of a job, on `port`; `report` is a pipe for how far our bar came.
+pid_t start_sender(const UploadJob& job, const fs::path& file, testing::Pty& port,
+                   testing::Pty& device, const std::array<int, 2>& report) {
   if (!job.ours) {
-    sender = test::start_on(port.slave(), folder.path(), {"sz", "--binary", "-q", "upload.bin"});
-  } else if ((sender = fork()) == 0) {
-    close(port.master());
-    send_ours(file, port.slave());
+    const std::vector<std::string> command{"sz", "--binary", "-q", file.filename().string()};
+    return testing::start_on(port.slave(), file.parent_path().string(), command);
   }
-  port.close_slave();
-  device.close_slave();
-  RelayedLine there(port.master(), device.master(), job.there);
-  RelayedLine back(device.master(), port.master(), job.back);
-  relay(there, back, began + 30min);
+  const pid_t process = fork();
+  if (process != 0) return process;
+  for (const int fd : {port.master(), device.master(), device.slave()}) close(fd);
+  send_ours(file, port.slave(), report[1]);
+}
 
-  kill(sender, SIGTERM);  // both have ended, or never will
-  kill(rz, SIGTERM);
+/// Both ends of a job and the line between them; the receiver stores what it gets in `folder`.
+UploadResult run_pair(const UploadJob& job, const fs::path& file, const std::string& folder) {
+  testing::Pty port;
+  auto device = std::make_unique<testing::Pty>();
+  std::array<int, 2> report{};
+  if (pipe(report.data()) != 0) std::exit(1);
+
+  const pid_t receiver = start_receiver(job.peer, job.script, device->slave(), folder);
+  if (job.peer == Peer::zmodem_js) std::this_thread::sleep_for(1s);  // node is slow to start
+  const Time began = steady_now();
+  const pid_t sender = start_sender(job, file, port, *device, report);
+  close(report[1]);
+  port.close_slave();
+  device->close_slave();
+  RelayedLine there(port.master(), device->master(), job.there);
+  RelayedLine back(device->master(), port.master(), job.back);
+  relay(there, back, began + 5min);
+
   int status = 0;
   rusage usage{};
+  kill(sender, SIGTERM);  // it has ended, or never will
   wait4(sender, &status, 0, &usage);
-  waitpid(rz, nullptr, 0);
-  const auto seconds = [](timeval time) {
-    return static_cast<double>(time.tv_sec) + 1e-6 * static_cast<double>(time.tv_usec);
-  };
-  return {
-      .intact = status == 0 && test::content(folder / "got" / "upload.bin") == data,
-      .seconds = std::chrono::duration<double>(there.last_byte() - began).count(),
-      .bytes = static_cast<double>(there.bytes()),
-      .processor = seconds(usage.ru_utime) + seconds(usage.ru_stime),
-      .silence = std::chrono::duration<double>(there.source_left_at() - back.dies_at()).count()};
+  device.reset();
+  testing::wait_for(receiver, 2s);
+  UploadResult result;
+  if (read(report[0], &result.shown, sizeof result.shown) < 0) result.shown = -1;
+  close(report[0]);
+  result.complete = status == 0;
+  result.processor = seconds_of(usage.ru_utime) + seconds_of(usage.ru_stime);
+  result.seconds = seconds_of(there.last_byte() - began);
+  result.ended = seconds_of(there.source_left_at() - began);
+  result.bytes = static_cast<double>(there.bytes());
+  return result;
+}
+
+UploadResult run_upload(const UploadJob& job) {
+  const testing::TemporaryFolder folder;
+  const std::string data =
+      job.firmware ? firmware_like(job.size) : testing::random_image(job.size, 1);
+  const fs::path file = folder.write("upload.bin", data);
+  fs::create_directory(folder / "got");
+  UploadResult result = run_pair(job, file, folder / "got");
+  const std::string got = testing::content(folder / "got" / "upload.bin");
+  result.whole = got == data;
+  result.received = static_cast<double>(got.size());
+  return result;
 }
 
 struct Report {

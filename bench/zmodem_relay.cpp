@@ -26,7 +26,7 @@ std::size_t chunk_for(Time byte_time) {
 }  // namespace
 
 RelayedLine::RelayedLine(int from, int to, LineKind kind)
-    : from_(from), to_(to), kind_(kind), chunk_(chunk_for(kind.byte_time)) {
+    : from_(from), to_(to), kind_(kind), chunk_(chunk_for(kind.byte_time)), random_(kind.seed) {
   for (const int fd : {from_, to_}) fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) | O_NONBLOCK);
 }
 
@@ -62,6 +62,9 @@ void RelayedLine::carry(char byte) {
   if (kind_.flip_every > 0 && bytes_ % kind_.flip_every == 0) {
     byte = static_cast<char>(byte ^ (1 << (bytes_ / kind_.flip_every % 8)));
   }
+  if (kind_.flip_one_in > 0 && random_() % kind_.flip_one_in == 0) {
+    byte = static_cast<char>(byte ^ (1 << (random_() % 8)));
+  }
   under_way_.emplace_back(free_at_ + kind_.latency, byte);
 }
 
@@ -74,6 +77,7 @@ void RelayedLine::deliver(Time now) {
   if (due.empty()) return;
   const ssize_t written = write(to_, due.data(), due.size());
   const bool receiver_gone = written < 0 && errno != EAGAIN;
+  blocked_until_ = written < 0 && !receiver_gone ? now + std::chrono::milliseconds(5) : Time{};
   const std::size_t done =
       receiver_gone ? due.size() : static_cast<std::size_t>(std::max<ssize_t>(written, 0));
   under_way_.erase(under_way_.begin(), under_way_.begin() + static_cast<std::ptrdiff_t>(done));
@@ -85,12 +89,16 @@ Time RelayedLine::next_take() const {
 
 Time RelayedLine::next_due() const {
   Time due = idle_ || source_gone_ || dead_ ? Time::max() : next_take();
-  if (!under_way_.empty()) due = std::min(due, under_way_.front().first);
+  if (!under_way_.empty()) due = std::min(due, std::max(under_way_.front().first, blocked_until_));
   return due;
 }
 
 void relay(RelayedLine& there, RelayedLine& back, Time until) {
-  for (Time now = steady_now(); now < until && !(there.over() && back.over()); now = steady_now()) {
+  constexpr Time last_words = std::chrono::seconds(3);
+  const auto over = [&](Time now) {
+    return there.over() && (back.over() || now > there.source_left_at() + last_words);
+  };
+  for (Time now = steady_now(); now < until && !over(now); now = steady_now()) {
     there.pump(now);
     back.pump(now);
     const Time due =

@@ -2,21 +2,25 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <deque>
+#include <random>
 #include <utility>
 
-#include "window/clock.h"
+#include "base/clock.h"
 
 namespace orvex::bench {
 
 /// What a direction of the relayed line is like.
 struct LineKind {
-  Time byte_time{};            ///< 0: as fast as both ends go.
-  Time latency{};              ///< Between the last bit of a byte and its arrival.
-  std::size_t flip_every = 0;  ///< One bit of each so many bytes is turned; 0: none.
-  std::size_t drop_every = 0;  ///< One of each so many bytes is lost; 0: none.
-  Time dies_after{};           ///< From its first pump on; nothing comes through then. 0: never.
-  std::size_t buffer = 0;      ///< Bytes taken from the source ahead of the line, as adapters do.
+  Time byte_time{};             ///< 0: as fast as both ends go.
+  Time latency{};               ///< Between the last bit of a byte and its arrival.
+  std::size_t flip_every = 0;   ///< One bit of each so many bytes is turned; 0: none.
+  std::size_t drop_every = 0;   ///< One of each so many bytes is lost; 0: none.
+  std::size_t flip_one_in = 0;  ///< So too, by chance.
+  std::uint32_t seed = 1;       ///< Of that chance.
+  Time dies_after{};            ///< From its first pump on; nothing comes through then. 0: never.
+  std::size_t buffer = 0;       ///< Bytes taken from the source ahead of the line, as adapters do.
 };
 
 /// One direction of a line between two descriptors, in real time. It takes from the source what the
@@ -55,12 +59,15 @@ class RelayedLine {
   Time dies_at_ = Time::max();
   Time source_left_at_{};
   Time free_at_{};
+  Time blocked_until_{};  // the receiver takes nothing
   Time last_byte_{};
   std::size_t bytes_ = 0;
+  std::mt19937 random_;
   std::deque<std::pair<Time, char>> under_way_;
 };
 
-/// Relays both directions until both are over or `until` has come.
+/// Relays both directions until both are over, the sender `there` is gone for 3 s, or `until` has
+/// come.
 void relay(RelayedLine& there, RelayedLine& back, Time until);
 
 }  // namespace orvex::bench

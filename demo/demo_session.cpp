@@ -3,7 +3,6 @@
 
 #include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QLineEdit>
 #include <QProgressBar>
 #include <QRadioButton>
@@ -11,8 +10,8 @@
 #include <cstdio>
 #include <stdexcept>
 
-#include "demo/pilot.h"
-#include "ui/qt/text.h"
+#include "loop/text.h"
+#include "testing/pilot/pilot.h"
 
 namespace orvex {
 namespace {
@@ -111,18 +110,10 @@ class Session {
   }
 
   void upload() {
-    QByteArray image(3 << 20, 'x');
-    image.replace(48, 8, "3145728 ").replace(64, 4, "C0DE");
-    image.replace(80, 7, "3.40   ").replace(96, 11, "22 Nov 2026");
-    QFile file(pilot_.folder() + "/firmware.bin");
-    if (!file.open(QIODevice::WriteOnly)) throw std::runtime_error("can't write an image");
-    file.write(image);
-    file.close();
-    pilot_.choose_next_file(file.fileName());
-    pilot_.answer_next_box("Yes");
-    pilot_.click("mnuload(2)");
+    const int size = 3 << 20;
+    pilot_.load_image(Pilot::image("3.40", size));
     const auto* bar = pilot_.find<QProgressBar>("ProgressBar1", "Form3");
-    Pilot::wait_for([&] { return bar->value() > image.size() / 3; });
+    Pilot::wait_for([&] { return bar->value() > size / 3; });
     save_picture("upload", "Form3");
     say(QString("Uploaded %1 of %2 bytes, then cancelled").arg(bar->value()).arg(bar->maximum()));
     pilot_.answer_next_box("Yes");

@@ -3,28 +3,29 @@
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include "fuzz/invariants.h"
-#include "virtual/desk.h"
+#include "testing/virtual/desk.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace std::chrono_literals;
   using orvex::fuzz::require;
   FuzzedDataProvider input(data, size);
-  orvex::test::Bench bench;
-  bench.scanner.faults.silent =
+  orvex::testing::LinkDesk desk;
+  desk.scanner.faults.silent =
       input.ConsumeBool() ? orvex::simulator::always : input.ConsumeIntegralInRange(0, 3);
-  bench.line.paced = input.ConsumeBool();
+  desk.line.paced = input.ConsumeBool();
   orvex::Time at{};
   while (input.remaining_bytes() > 0) {
     at += std::chrono::milliseconds(input.ConsumeIntegralInRange(0, 1500));
-    bench.windows.at(
-        at, [&bench, bytes = input.ConsumeRandomLengthString(200)] { bench.line.inject(bytes); });
+    desk.windows.at(
+        at, [&desk, bytes = input.ConsumeRandomLengthString(200)] { desk.line.inject(bytes); });
   }
-  orvex::receive_setup(bench.link);
+  orvex::receive_setup(desk.link);
   // Seven queries, each with three waits for its ACK and one for its reply.
-  require(bench.windows.now() <= 7 * (3 * 1000ms + 1500ms), "an end in time");
-  require(bench.forms.form1.cmdReceive.Enabled && bench.forms.form1.cmdSend.Enabled,
+  require(desk.windows.now() <= 7 * (3 * 1000ms + 1500ms), "an end in time");
+  require(desk.forms.form1.cmdReceive.Enabled && desk.forms.form1.cmdSend.Enabled,
           "buttons that come back");
-  require(bench.forms.form1.labWeb.Caption.size() <= 17, "an address of 17 characters");
-  orvex::fuzz::require_sound(bench.setup);
+  require(desk.state.ReplyText.size() <= orvex::most_in_reply, "a reply of a bounded size");
+  require(desk.forms.form1.labWeb.Caption.size() <= 17, "an address of 17 characters");
+  orvex::fuzz::require_sound(desk.setup);
   return 0;
 }

@@ -2,32 +2,32 @@
 
 #include <fuzzer/FuzzedDataProvider.h>
 
+#include "base/run_time_error.h"
 #include "fuzz/require.h"
+#include "testing/virtual/desk.h"
 #include "upgrade/guards.h"
-#include "virtual/desk.h"
-#include "window/run_time_error.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using orvex::fuzz::require;
   FuzzedDataProvider input(data, size);
-  orvex::test::Bench bench;
-  bench.scanner.faults.other_reply = input.ConsumeRandomLengthString(40) + "\r\n";
-  bench.windows.answers = {{input.ConsumeBool() ? orvex::Answer::yes : orvex::Answer::no}};
-  const bool accepts = bench.windows.answers.front().answer == orvex::Answer::yes;
+  orvex::testing::LinkDesk desk;
+  desk.scanner.faults.other_reply = input.ConsumeRandomLengthString(40) + "\r\n";
+  desk.windows.answers = {{input.ConsumeBool() ? orvex::Answer::yes : orvex::Answer::no}};
+  const bool accepts = desk.windows.answers.front().answer == orvex::Answer::yes;
   const std::string bytes = input.ConsumeRemainingBytesAsString();
 
-  const auto header = orvex::Read_Image_Header(bench.folder.write("image.bin", bytes));
+  const auto header = orvex::Read_Image_Header(desk.folder.write("image.bin", bytes));
   require(header.has_value() == (bytes.size() > 108), "an image longer than its head");
   if (!header) return 0;
   require(header->CodeSize == bytes.substr(48, 8) && header->CodeCrc == bytes.substr(64, 4) &&
               header->CodeVersion == bytes.substr(80, 7) &&
               header->CodeDate == bytes.substr(96, 11),
           "fields as they stand in the file");
-  bench.forms.form3.Text3 = " " + header->CodeVersion;
+  desk.forms.form3.Text3 = " " + header->CodeVersion;
   try {
-    const auto go_on = orvex::Check_Rev(bench.link);
-    if (bench.windows.boxes.empty()) return 0;
-    require((go_on == 1) == accepts || bench.windows.boxes.back().box.title != "WARNING",
+    const auto go_on = orvex::Check_Rev(desk.link);
+    if (desk.windows.boxes.empty()) return 0;
+    require((go_on == 1) == accepts || desk.windows.boxes.back().box.title != "WARNING",
             "the user's answer");
   } catch (const orvex::RunTimeError& error) {
     require(error.number == orvex::error_number::type_mismatch, "no other failure");

@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
+#include "base/run_time_error.h"
 #include "fuzz/invariants.h"
-#include "window/run_time_error.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view text(reinterpret_cast<const char*>(data), size);

@@ -7,8 +7,9 @@
 #include <string>
 
 #include "fuzz/require.h"
-#include "upgrade/zmodem_codec.h"
-#include "upgrade/zmodem_sender.h"
+#include "transfer/file_source.h"
+#include "transfer/zmodem_codec.h"
+#include "transfer/zmodem_sender.h"
 
 namespace {
 

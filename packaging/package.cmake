@@ -1,4 +1,4 @@
-# The packages orvex and orvex-simulator for Debian 12, and the checks of their parts.
+# The packages orvex, orvexctl and orvex-simulator for Debian 12, and the checks of their parts.
 # docs/releasing.md tells how they are made.
 if(NOT CMAKE_SYSTEM_NAME STREQUAL "Linux" OR NOT ORVEX_GUI)
   return()
@@ -8,7 +8,7 @@ set(parts ${CMAKE_CURRENT_LIST_DIR})
 set(generated ${PROJECT_BINARY_DIR}/packaging)
 
 # Files that name the state folder.
-foreach(file orvex.1 orvex-simulator.1 tmpfiles.conf is-scanner-port postrm)
+foreach(file orvex.1 orvexctl.1 orvex-simulator.1 tmpfiles.conf is-scanner-port postrm)
   configure_file(${parts}/${file}.in ${generated}/${file} @ONLY)
 endforeach()
 
@@ -19,10 +19,11 @@ function(compress file from)
     DEPENDS ${from}/${file} VERBATIM)
 endfunction()
 compress(orvex.1 ${generated})
+compress(orvexctl.1 ${generated})
 compress(orvex-simulator.1 ${generated})
 compress(changelog ${parts})
 add_custom_target(package_texts ALL DEPENDS
-  ${generated}/orvex.1.gz ${generated}/orvex-simulator.1.gz ${generated}/changelog.gz)
+  ${generated}/orvex.1.gz ${generated}/orvexctl.1.gz ${generated}/orvex-simulator.1.gz ${generated}/changelog.gz)
 
 # What a package has of every program. Stripping by CMake leaves two sections that nobody needs.
 function(install_for component package)
@@ -35,10 +36,24 @@ function(install_for component package)
     DESTINATION share/doc/${package} COMPONENT ${component})
 endfunction()
 install_for(orvex orvex)
+install_for(orvexctl orvexctl)
 install_for(simulator orvex-simulator)
+
+# The user's documents lie side by side on a user's machine; what else the README leads to stays in
+# the source.
+file(READ ${PROJECT_SOURCE_DIR}/README.md readme)
+string(REGEX REPLACE "!\\[[^]]*\\]\\([^)]*\\)\n+" "" readme "${readme}")
+string(REGEX REPLACE "## Two commands.*(## Installing)" "\\1" readme "${readme}")
+string(REGEX REPLACE "docs/(ports|wire-format)\\.md" "\\1.md" readme "${readme}")
+file(WRITE ${generated}/README.md "${readme}")
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/README.md)
+install(FILES ${generated}/README.md ${PROJECT_SOURCE_DIR}/docs/ports.md
+  ${PROJECT_SOURCE_DIR}/docs/wire-format.md DESTINATION share/doc/orvex COMPONENT orvex)
 
 install(FILES ${parts}/lintian-overrides RENAME orvex
   DESTINATION share/lintian/overrides COMPONENT orvex)
+install(FILES ${parts}/orvexctl.lintian-overrides RENAME orvexctl
+  DESTINATION share/lintian/overrides COMPONENT orvexctl)
 install(FILES ${parts}/orvex.desktop DESTINATION share/applications COMPONENT orvex)
 install(FILES ${parts}/invalid.orvex.orvex.metainfo.xml DESTINATION share/metainfo COMPONENT orvex)
 install(FILES ${PROJECT_SOURCE_DIR}/artwork/orvex.svg
@@ -51,6 +66,11 @@ install(FILES ${generated}/tmpfiles.conf RENAME orvex.conf
   DESTINATION lib/tmpfiles.d COMPONENT orvex)
 install(FILES ${parts}/70-orvex.rules DESTINATION lib/udev/rules.d COMPONENT orvex)
 install(PROGRAMS ${generated}/is-scanner-port DESTINATION lib/orvex COMPONENT orvex)
+
+install(FILES ${parts}/orvexctl.bash RENAME orvexctl
+  DESTINATION share/bash-completion/completions COMPONENT orvexctl)
+install(DIRECTORY ${parts}/fleet/ DESTINATION share/doc/orvexctl/examples COMPONENT orvexctl)
+install(FILES ${parts}/orvexctl.schema.json DESTINATION share/orvexctl COMPONENT orvexctl)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_VERBATIM_VARIABLES ON)
@@ -65,9 +85,9 @@ set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
 set(CPACK_STRIP_FILES ON)
 # Packing begins with a build: what is packed is never older than the sources.
 set(CPACK_INSTALL_COMMANDS "\"${CMAKE_COMMAND}\" --build \"${PROJECT_BINARY_DIR}\" \
---target orvex orvex-simulator package_texts")
+--target orvex orvexctl orvex-simulator package_texts")
 
-set(CPACK_COMPONENTS_ALL orvex simulator)
+set(CPACK_COMPONENTS_ALL orvex orvexctl simulator)
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -87,6 +107,15 @@ Orvex finds the baud rate of a barcode and magnetic stripe scanner on a serial
 port, shows the scanner's setup in a window, and sends it back as changed. It
 restores the factory setup, keeps setups in files, shows revisions and serial
 number, and loads new firmware into the scanner by ZMODEM.")
+
+set(CPACK_DEBIAN_ORVEXCTL_PACKAGE_NAME orvexctl)
+set(CPACK_DEBIAN_ORVEXCTL_PACKAGE_SECTION utils)
+set(CPACK_DEBIAN_ORVEXCTL_PACKAGE_SUGGESTS "orvex, orvex-simulator, parallel")
+set(CPACK_COMPONENT_ORVEXCTL_DESCRIPTION "configures scanners on serial lines by commands
+This program does the jobs of Orvex without a display: it finds a barcode and
+magnetic stripe scanner on a serial port, shows, changes and compares its
+setup, restores the factory setup, and loads new firmware by ZMODEM. Results
+come as words or as JSON, with exit codes for scripts.")
 
 set(CPACK_DEBIAN_SIMULATOR_PACKAGE_NAME orvex-simulator)
 set(CPACK_DEBIAN_SIMULATOR_PACKAGE_SECTION utils)

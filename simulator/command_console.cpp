@@ -7,6 +7,8 @@
 #include <charconv>
 #include <cstdio>
 
+#include "simulator/printable.h"
+
 namespace orvex::simulator {
 namespace {
 
@@ -21,7 +23,7 @@ std::optional<int> count_of(std::string_view text) {
 }
 
 void refuse(std::string_view command) {
-  std::printf("not understood: %.*s\n", static_cast<int>(command.size()), command.data());
+  std::printf("not understood: %s\n", printable(std::string(command)).c_str());
 }
 
 }  // namespace
@@ -80,7 +82,7 @@ void CommandConsole::obey_scanner(std::string_view command, std::string_view val
   } else if (command == "restart") {
     scanner_.restart();
     std::printf("restarted at %d as %s\n", scanner_.rate(),
-                scanner_.options.identity.application1.c_str());
+                printable(scanner_.options.identity.application1).c_str());
   } else {
     understood = false;
   }

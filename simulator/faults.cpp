@@ -18,6 +18,7 @@ struct NamedFault {
 constexpr std::array named_faults{
     NamedFault{"silent=FRAMES", [](Faults& f, int value) { f.silent = value; }},
     NamedFault{"nak=FRAMES", [](Faults& f, int value) { f.refused = value; }},
+    NamedFault{"ignored=FRAMES", [](Faults& f, int value) { f.ignored = value; }},
     NamedFault{"lost-ack=FRAMES", [](Faults& f, int value) { f.lost_acks = value; }},
     NamedFault{"late-ack=MS",
                [](Faults& f, int value) {
@@ -45,6 +46,10 @@ constexpr std::array named_faults{
 bool set_fault(Faults& faults, std::string_view name_and_value) {
   const auto equals = name_and_value.find('=');
   int value = always;
+  if (name_and_value.starts_with("only=")) {
+    faults.only = name_and_value.substr(equals + 1);
+    return true;
+  }
   if (equals != std::string_view::npos) {
     const auto digits = name_and_value.substr(equals + 1);
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
@@ -59,8 +64,8 @@ bool set_fault(Faults& faults, std::string_view name_and_value) {
 }
 
 std::vector<std::string_view> fault_names() {
-  std::vector<std::string_view> names;
-  names.reserve(std::size(named_faults));
+  std::vector<std::string_view> names{"only=TEXT"};
+  names.reserve(std::size(named_faults) + 1);
   for (const auto& fault : named_faults) names.push_back(fault.usage);
   return names;
 }

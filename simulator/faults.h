@@ -19,6 +19,7 @@ struct Faults {
 
   int silent = 0;     ///< frames that are neither taken nor answered
   int refused = 0;    ///< frames that are answered by NAK
+  int ignored = 0;    ///< frames that set something and are answered, but not taken
   int lost_acks = 0;  ///< frames that are taken, with an answer that never leaves
   int late_acks = 0;  ///< frames whose ACK comes `late_by` later than usual
   Time late_by{};
@@ -35,7 +36,8 @@ struct Faults {
 };
 
 /// Sets a fault by its name, as "silent" or "late-ack=1500", for people at a console. A count that
-/// is left out is `always`. False where there is no such fault or value.
+/// is left out is `always`; the value of "only" is a text. False where there is no such fault or
+/// value.
 bool set_fault(Faults& faults, std::string_view name_and_value);
 
 /// The names that set_fault() takes, each with what its value means.

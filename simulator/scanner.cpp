@@ -121,6 +121,7 @@ void Scanner::answer(std::string_view text, Time now) {
   } else if (auto reply = reply_to(text)) {
     acknowledge(now, {}, std::move(*reply) + "\r\n");
   } else if (Parameters changed = parameters; !text.empty() && changed.apply(text)) {
+    if (befalls(faults.ignored)) changed = parameters;
     acknowledge(now, [this, changed](Time) { parameters = changed; });
   } else {
     say_later(now + options.ack_delay, std::string(NAK));

@@ -8,6 +8,7 @@
 #include <fstream>
 #include <system_error>
 
+#include "simulator/printable.h"
 #include "simulator/rz_loader.h"
 
 namespace orvex::simulator {
@@ -18,13 +19,6 @@ using namespace std::chrono_literals;
 /// The PC has to be quiet for so long before the scanner's power is cycled.
 constexpr Time quiet_before_restart = 1s;
 constexpr int bits_in_byte = 10;
-
-/// What comes from the line may hold anything; a terminal gets "." for what isn't plain text.
-std::string printable(std::string text) {
-  std::ranges::replace_if(
-      text, [](unsigned char c) { return c < 0x20 || c > 0x7E; }, '.');
-  return text;
-}
 
 Time time_of_byte(int rate) {
   return Time(1s) * bits_in_byte / rate;
@@ -179,7 +173,7 @@ void Simulation::look_after_load() {
   if (options_.manual_restart || now() - last_heard_ < quiet_before_restart) return;
   scanner_.restart();
   std::printf("restarted at %d as %s\n", scanner_.rate(),
-              scanner_.options.identity.application1.c_str());
+              printable(scanner_.options.identity.application1).c_str());
 }
 
 }  // namespace orvex::simulator

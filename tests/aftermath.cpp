@@ -4,7 +4,7 @@
 
 #include "setup/apply.h"
 
-namespace orvex::test {
+namespace orvex::testing {
 
 std::string left_behind(Desk& desk, const ScannerSetup& before) {
   std::string text = desk.panel(2).empty() ? "-" : desk.panel(2);
@@ -32,4 +32,4 @@ bool recovers(Desk& desk) {
   return desk.windows.boxes.empty() && desk.panel(2).empty() && desk.program.setup == setup;
 }
 
-}  // namespace orvex::test
+}  // namespace orvex::testing

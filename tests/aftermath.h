@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "virtual/desk.h"
+#include "testing/virtual/desk.h"
 
-namespace orvex::test {
+namespace orvex::testing {
 
 /// What a job leaves behind: the text of panel 2, or "-" where it is empty, then what else there
 /// is: "record" where the record differs from `before`, "closed" for the port.
@@ -18,4 +18,4 @@ void print_row(const char* job, const char* fault, const std::string& outcome,
 /// scanner's setup into the record. A scanner that still takes a file is restarted first.
 bool recovers(Desk& desk);
 
-}  // namespace orvex::test
+}  // namespace orvex::testing

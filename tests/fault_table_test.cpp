@@ -6,7 +6,7 @@
 
 #include "aftermath.h"
 
-namespace orvex::test {
+namespace orvex::testing {
 namespace {
 
 using simulator::always;
@@ -50,6 +50,11 @@ const Fault faults[]{
     {"ACK after 1.5 s",
      {START " closed box", "Error in App1 Rev record box", "-", "- record", START},
      [](Desk& d) { d.scanner.faults = {.late_acks = always, .late_by = 1500ms}; }},
+    {"ACK after 450 ms", harmless,
+     [](Desk& d) { d.scanner.faults = {.late_acks = always, .late_by = 445ms}; }},
+    {"ACK after 900 ms",
+     {START " closed box", "- record", "-", "- record", START},
+     [](Desk& d) { d.scanner.faults = {.late_acks = always, .late_by = 895ms}; }},
     {"one ACK lost",
      {START " closed box", "- record", "Error in Sending", "- record", START},
      [](Desk& d) { d.scanner.faults.lost_acks = 1; }},
@@ -113,4 +118,4 @@ TEST(FaultTable, every_job_against_every_fault) {
 }
 
 }  // namespace
-}  // namespace orvex::test
+}  // namespace orvex::testing

@@ -3,8 +3,7 @@
 #include <array>
 #include <string>
 
-#include "discovery/attempts.h"
-#include "link/frame.h"
+#include "base/attempts.h"
 #include "link/port_store.h"
 
 namespace orvex {
@@ -83,8 +82,8 @@ class Scan {
     state.ReplyText.clear();
     state.TimedOut = 0;
     form1_.Timer1.Enabled(true);
-    attempts_([&] { link_.MSComm1.Output(frame_of(ping_tag)); });
-    return link_.exchange.wait_for_ping();
+    attempts_([&] { link_.exchange.send_ping(); });
+    return link_.exchange.wait_for_ping(attempts_);
   }
 
   void found() {
@@ -101,12 +100,12 @@ class Scan {
   }
 
   void leave_closed() {
-    form1_.sbrStatus.Panels[1] = "Settings: Closed";
-    form1_.port_path.clear();
-    form1_.FrameLED = Indicator::imgNotConnected;
+    const auto& failure = attempts_.failure();
+    link_.exchange.show_closed_port(link_.MSComm1.about_port(failure ? failure->text : "closed"));
   }
 
   void leave_cancelled() {
+    if (link_.MSComm1.PortOpen()) link_.exchange.explain_port("closed");
     attempts_([&] { link_.MSComm1.PortOpen(false); });
     form1_.SSTab1.Enabled = true;
     form1_.cmdSend.Enabled = form1_.cmdReceive.Enabled = form1_.cmdFactory.Enabled = false;

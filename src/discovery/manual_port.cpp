@@ -1,9 +1,9 @@
 #include "discovery/manual_port.h"
 
+#include <optional>
 #include <string>
 
-#include "discovery/attempts.h"
-#include "link/frame.h"
+#include "base/attempts.h"
 #include "link/port_store.h"
 
 namespace orvex {
@@ -29,36 +29,40 @@ void take_parity(const ComboBox& Combo3, std::string& TryParity) {
   }
 }
 
-/// True where each step up to the reversed port has worked.
-bool set_up_port(ScannerLink& link) {
+/// Why one of the steps up to the reversed port has failed, none if each has worked.
+std::optional<std::string> set_up_port(ScannerLink& link) {
   const Form4& form4 = link.forms.form4;
   SerialControl& MSComm1 = link.MSComm1;
-  Attempts attempts;
+  Attempts number, settings, port;
   take_parity(form4.Combo3, link.state.TryParity);
-  attempts([&] { MSComm1.CommPort(form4.Combo1.ListIndex + 1); });
-  attempts([&] { MSComm1.Settings(form4.Combo2.Text + "," + link.state.TryParity + ",8,1"); });
-  attempts([&] { MSComm1.PortOpen(!MSComm1.PortOpen()); });
-  return !attempts.failed();
+  number([&] { MSComm1.CommPort(form4.Combo1.ListIndex + 1); });
+  settings([&] { MSComm1.Settings(form4.Combo2.Text + "," + link.state.TryParity + ",8,1"); });
+  port([&] { MSComm1.PortOpen(!MSComm1.PortOpen()); });
+  if (number.failed()) return "There is no such port";
+  if (port.failed()) return MSComm1.about_port(port.failure()->text);
+  if (settings.failed()) return "The port doesn't take this rate";
+  return std::nullopt;
 }
 
-void tell_unavailable(ScannerLink& link) {
-  Form1& form1 = link.forms.form1;
+void tell_unavailable(ScannerLink& link, const std::string& cause) {
   link.windows.MsgBox({.text = "Port is not available", .icon = Icon::exclamation});
-  form1.sbrStatus.Panels[1] = "Settings: Closed";
-  form1.port_path.clear();
-  form1.FrameLED = Indicator::imgNotConnected;
+  link.exchange.show_closed_port(cause);
 }
+
+}  // namespace
 
 bool scanner_answers(ScannerLink& link) {
   Attempts attempts;
   link.windows.pump(Wait::no);
   attempts([&] { link.exchange.empty_receive_side(); });
-  attempts([&] { link.MSComm1.Output(frame_of(ping_tag)); });
+  attempts([&] { link.exchange.send_ping(); });
   link.state.TimedOut = 0;
   link.forms.form1.Timer1.Interval(answer_wait_ms);
   link.forms.form1.Timer1.Enabled(true);
-  return link.exchange.wait_for_ping();
+  return link.exchange.wait_for_ping(attempts) && link.MSComm1.PortOpen();
 }
+
+namespace {
 
 void store_port(ScannerLink& link) {
   PortState& state = link.state;
@@ -75,21 +79,26 @@ void store_port(ScannerLink& link) {
 }  // namespace
 
 void mnumanual_Click(ScannerLink& link) {
-  if (!link.forms.form4.Loaded) load(link.forms.form4);
-  link.forms.form4.Visible = true;
+  Form4& form4 = link.forms.form4;
+  if (!form4.Loaded) load(form4);
+  for (std::size_t item = 0; item < form4.Combo1_tips.size(); ++item) {
+    form4.Combo1_tips[item] = link.MSComm1.device_path(static_cast<int>(item) + 1);
+  }
+  form4.Visible = true;
 }
 
 void open_port_by_hand(ScannerLink& link) {
   Form1& form1 = link.forms.form1;
   enable_scanner_buttons(form1, false);
-  if (!set_up_port(link)) {
-    tell_unavailable(link);
+  if (const auto cause = set_up_port(link)) {
+    tell_unavailable(link, *cause);
     return;
   }
   link.exchange.show_port_line();
   form1.FrameLED = Indicator::imgConnected;
   Attempts reopen;
   if (!link.MSComm1.PortOpen()) reopen([&] { link.MSComm1.PortOpen(true); });
+  if (reopen.failed()) link.exchange.explain_port(reopen.failure()->text);
   if (scanner_answers(link)) {
     link.exchange.show_port_line();
     store_port(link);

@@ -11,6 +11,10 @@ void mnumanual_Click(ScannerLink& link);
 /// to. On a port that can't be opened the dialog stays.
 void open_port_by_hand(ScannerLink& link);
 
+/// Pings the scanner once on the open port: true where it answers within 1000 ms and
+/// the port still stands.
+bool scanner_answers(ScannerLink& link);
+
 /// "Cancel".
 void leave_manual_dialog(ScannerLink& link);
 

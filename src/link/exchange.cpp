@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/attempts.h"
+#include "base/run_time_error.h"
 #include "link/frame.h"
-#include "window/run_time_error.h"
 
 namespace orvex {
 namespace {
@@ -13,13 +14,6 @@ constexpr int most_sends = 3;
 constexpr int ack_wait_ms = 1000;
 constexpr int reply_wait_ms = 1500;
 constexpr int slow_reply_wait_ms = 2500;
-/// A device that talks without end must not fill the memory. A line at 115200 Bps brings less than
-/// 30 kB in the longest wait.
-constexpr std::size_t most_received = 1 << 20;
-
-void append_bounded(std::string& text, std::string_view more) {
-  text += more.substr(0, most_received - std::min(most_received, text.size()));
-}
 
 }  // namespace
 
@@ -51,24 +45,38 @@ std::int16_t Exchange::Send_Tag(std::string_view tag) {
 }
 
 std::string Exchange::Read_Port(std::int16_t mode) {
-  append_bounded(state_.RxAccum, MSComm1_.Input());
+  const std::string came = MSComm1_.Input();
+  if (!dropped_) append(state_.RxAccum, came);  // what is kept has no hole
   if (mode != 1) return {};
   return std::exchange(state_.RxAccum, {});
 }
 
 void Exchange::empty_receive_side() {
   state_.RxAccum.clear();
+  clear_reply();
   Read_Port(1);
-  state_.ReplyText.clear();
 }
 
-bool Exchange::wait_for_ping() {
+void Exchange::clear_reply() {
+  state_.ReplyText.clear();
+  dropped_ = false;
+}
+
+void Exchange::append(std::string& text, std::string_view more) {
+  constexpr std::size_t most = most_in_reply + 1;
+  const std::size_t room = most - std::min(most, text.size());
+  dropped_ = dropped_ || more.size() > room;
+  text += more.substr(0, room);
+}
+
+void Exchange::send_ping() {
+  MSComm1_.Output(frame_of("<TXPING:>"));
+}
+
+bool Exchange::wait_for_ping(Attempts& attempts) {
   while (true) {
-    try {
-      pump_and_read();
-    } catch (const RunTimeError&) {
-      // On a port that is closed or lost the wait ends by its time-out.
-    }
+    dropped_ = false;  // an ACK counts whatever came before it
+    attempts([&] { pump_and_read(); });
     if (state_.ReplyText.starts_with(ACK)) {
       form1_.Timer1.Enabled(false);
       state_.TimedOut = 0;
@@ -82,12 +90,18 @@ bool Exchange::wait_for_ping() {
 void Exchange::show_port_line() {
   form1_.sbrStatus.Panels[1] =
       "Settings: " + MSComm1_.Settings() + "  Com Port: " + std::to_string(MSComm1_.CommPort());
-  form1_.port_path = MSComm1_.device_path();
+  form1_.port_tip = MSComm1_.device();
+}
+
+void Exchange::show_closed_port(std::string why) {
+  form1_.sbrStatus.Panels[1] = "Settings: Closed";
+  form1_.FrameLED = Indicator::imgNotConnected;
+  form1_.port_tip = std::move(why);
 }
 
 bool Exchange::send_and_wait(std::string_view tag, int failed_sends) {
   state_.TimedOut = 0;
-  state_.ReplyText.clear();
+  clear_reply();
   form1_.Timer1.Interval(ack_wait_ms);
   MSComm1_.Output(frame_of(tag));
   form1_.Timer1.Enabled(true);
@@ -114,6 +128,11 @@ bool Exchange::wait_for_ack() {
 }
 
 bool Exchange::wait_for_reply() {
+  if (dropped_) {
+    // All of it came with the ACK, which has been taken off.
+    state_.ReplyText.resize(most_in_reply + 1);
+    return true;
+  }
   const std::string_view settings = MSComm1_.Settings();
   const bool slow = settings.starts_with("2400") || settings.starts_with("1200");
   form1_.Timer1.Interval(slow ? slow_reply_wait_ms : reply_wait_ms);
@@ -122,7 +141,8 @@ bool Exchange::wait_for_reply() {
   Wait wait = Wait::no;
   do {
     windows_.pump(wait);
-    append_bounded(state_.ReplyText, Read_Port(1));
+    append(state_.ReplyText, Read_Port(1));
+    if (state_.ReplyText.size() > most_in_reply) break;
     wait = Wait::for_event;
     if (state_.ReplyText.find("\r\n", searched) != std::string::npos) break;
     searched = state_.ReplyText.empty() ? 0 : state_.ReplyText.size() - 1;
@@ -133,7 +153,7 @@ bool Exchange::wait_for_reply() {
 
 void Exchange::pump_and_read() {
   windows_.pump(state_.ReplyText.empty() ? Wait::for_event : Wait::no);
-  append_bounded(state_.ReplyText, Read_Port(1));
+  append(state_.ReplyText, Read_Port(1));
 }
 
 }  // namespace orvex

@@ -30,12 +30,13 @@ class Line {
   /// `listener` must outlive the line's last pump.
   virtual void listen(Listener& listener) = 0;
 
-  /// Opens the device of port COM `com_port` with nothing in either direction.
+  /// Opens the device of port COM `com_port` with nothing in either direction. The text of its
+  /// failure is the cause in a few words, such as "held by another program".
   virtual void open(int com_port, const LineSettings& settings) = 0;
   /// Throws away what has not been sent. Does no harm on a closed line.
   virtual void close() = 0;
   virtual bool is_open() const = 0;
-  /// Path of the device that port COM `com_port` stands for, empty where there is none.
+  /// Path of the device that port COM `com_port` stands for, empty if the machine has no such port.
   virtual std::string device_path(int com_port) const = 0;
 
   /// Changes the settings of the open line, for the next byte on: all of them, or none and a throw.

@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-#include "window/number.h"
+#include "base/number.h"
 
 namespace orvex {
 namespace {

@@ -4,8 +4,8 @@
 #include <optional>
 #include <string>
 
+#include "base/number.h"
 #include "platform/platform.h"
-#include "window/number.h"
 
 namespace orvex {
 namespace {
@@ -17,7 +17,7 @@ constexpr std::size_t most_characters = 32767;
 
 std::optional<std::string> read_whole(const std::filesystem::path& path) {
   platform::InputFile file;
-  if (file.open(path)) return std::nullopt;
+  if (file.open(path, platform::Links::replace)) return std::nullopt;
   std::string text(most_characters + 1, '\0');
   std::error_code error;
   text.resize(file.read(0, text, error));

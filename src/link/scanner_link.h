@@ -8,13 +8,22 @@
 
 namespace orvex {
 
-/// What every job on the line works with. All of it lives as long as the process.
-struct ScannerLink {
+/// The link to the scanner, and all that a job on the line works with: the windows' records, the
+/// one PortState, the serial control and the exchange. Lives as long as the process.
+class ScannerLink {
+ public:
+  /// `window_system` and `line` must outlive the link. Timer1 and the serial control run inside the
+  /// pumps from now on.
+  ScannerLink(WindowSystem& window_system, Line& line, EngineFactory make_engine,
+              Exchange::ReplyWork reply_work);
+  ScannerLink(const ScannerLink&) = delete;
+  ScannerLink& operator=(const ScannerLink&) = delete;
+
   WindowSystem& windows;
-  Forms& forms;
-  PortState& state;
-  SerialControl& MSComm1;
-  Exchange& exchange;
+  PortState state;
+  Forms forms;
+  SerialControl MSComm1;
+  Exchange exchange;
 };
 
 /// Enables or disables cmdSend, cmdReceive, cmdFactory and cmdWeb.

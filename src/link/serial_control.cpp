@@ -4,7 +4,7 @@
 #include <limits>
 #include <utility>
 
-#include "window/run_time_error.h"
+#include "base/run_time_error.h"
 
 namespace orvex {
 namespace {
@@ -21,9 +21,13 @@ RunTimeError invalid_value() {
   return {error_number::invalid_value, "Invalid property value"};
 }
 
-std::int32_t as_count(std::uint64_t bytes) {
-  constexpr auto most = std::numeric_limits<std::int32_t>::max();
-  return static_cast<std::int32_t>(std::min<std::uint64_t>(bytes, most));
+/// `done` bytes of a file of `total` in the unit of FileTotal. A part never counts as the whole.
+std::int32_t as_count(std::uint64_t done, std::uint64_t total) {
+  constexpr std::uint64_t most = std::numeric_limits<std::int32_t>::max();
+  constexpr std::uint64_t kib = 1024;
+  const std::uint64_t unit = total > most ? kib : 1;
+  const std::uint64_t count = done < total ? done / unit : (total + unit - 1) / unit;
+  return static_cast<std::int32_t>(std::min(count, most));
 }
 
 }  // namespace
@@ -48,11 +52,17 @@ void SerialControl::Settings(std::string_view text) {
 void SerialControl::PortOpen(bool open) {
   if (open == line_.is_open()) return;
   if (open) {
+    device_ = device_path(comm_port_);
     line_.open(comm_port_, parse_settings(settings_).value());
   } else {
     if (engine_) stop_transfer();
     line_.close();
   }
+}
+
+std::string SerialControl::about_port(std::string_view what) const {
+  return "COM " + std::to_string(comm_port_) + (device_.empty() ? "" : ", ") + device_ + ": " +
+         std::string(what);
 }
 
 void SerialControl::Output(std::string_view text) {
@@ -95,7 +105,8 @@ void SerialControl::bytes_sent() {
 }
 
 void SerialControl::line_lost() {
-  engine_.reset();
+  if (engine_) end_transfer("the line is gone");
+  if (Lost) Lost();
 }
 
 std::optional<Time> SerialControl::due() const {
@@ -119,8 +130,9 @@ void SerialControl::start_transfer() {
   require_open();
   if (protocol_ != zmodem) throw invalid_value();
   engine_ = make_engine_(file_name_, parse_settings(settings_).value().baud, clock_.now());
-  file_total_ = as_count(engine_->total());
+  file_total_ = as_count(engine_->total(), engine_->total());
   progress_told_ = 0;
+  file_reason_.clear();
   work_transfer();
 }
 
@@ -131,18 +143,23 @@ void SerialControl::stop_transfer() {
   } catch (const RunTimeError&) {
     // The device is gone, and with it whoever should have been told of the stop.
   }
-  engine_.reset();
+  end_transfer(engine_->reason());
 }
 
 void SerialControl::work_transfer() {
   try {
     send_what_fits(engine_->most_unsent());
-  } catch (const RunTimeError&) {
-    engine_.reset();
+  } catch (const RunTimeError& error) {
+    end_transfer(error.text);
   }
   if (!engine_) return;
   report_progress();
-  if (engine_ && engine_->finished()) engine_.reset();
+  if (engine_ && engine_->finished()) end_transfer(engine_->reason());
+}
+
+void SerialControl::end_transfer(std::string_view reason) {
+  file_reason_ = reason;
+  engine_.reset();
 }
 
 void SerialControl::send_what_fits(std::size_t most_unsent) {
@@ -167,7 +184,7 @@ void SerialControl::report_progress() {
   const auto progress = engine_->progress();
   if (progress == progress_told_) return;
   progress_told_ = progress;
-  if (FileProgress) FileProgress(as_count(progress));
+  if (FileProgress) FileProgress(as_count(progress, engine_->total()));
 }
 
 }  // namespace orvex

@@ -8,9 +8,9 @@
 #include <string>
 #include <string_view>
 
-#include "link/file_engine.h"
+#include "base/timer.h"
 #include "link/line.h"
-#include "window/timer.h"
+#include "transfer/file_engine.h"
 
 namespace orvex {
 
@@ -28,8 +28,10 @@ class SerialControl final : public Line::Listener, public Scheduled {
 
   /// Raised inside a pump once RThreshold characters wait.
   std::function<void()> Receive;
-  /// Raised inside a pump as a transfer goes on, with the bytes done so far.
+  /// Raised inside a pump as a transfer goes on, with what is done so far in the unit of FileTotal.
   std::function<void(std::int32_t)> FileProgress;
+  /// Raised inside a pump once the device of the open port has gone away; the port is closed.
+  std::function<void()> Lost;
 
   int CommPort() const { return comm_port_; }
   /// 1 to 6, else a failure. An open port stays where it is until it is opened again.
@@ -40,9 +42,14 @@ class SerialControl final : public Line::Listener, public Scheduled {
   void Settings(std::string_view text);
 
   bool PortOpen() const { return line_.is_open(); }
+  /// The text of a failure to open is its cause in a few words, which about_port() completes.
   void PortOpen(bool open);
-  /// Path of the device that CommPort stands for, empty where there is none.
-  std::string device_path() const { return line_.device_path(comm_port_); }
+  /// Path of the device that a port stands for, empty if the machine has no such port.
+  std::string device_path(int com_port) const { return line_.device_path(com_port); }
+  /// The device that was opened last or should have been; empty if there was none.
+  const std::string& device() const { return device_; }
+  /// What is to be said of that: "COM 1, /dev/ttyUSB0: no such device".
+  std::string about_port(std::string_view what) const;
 
   void Output(std::string_view text);
   /// All that has come and was not read yet.
@@ -70,8 +77,11 @@ class SerialControl final : public Line::Listener, public Scheduled {
   /// A receive is never started, so this reads false always.
   bool FileRecvOn() const { return false; }
   bool FileBusy() const { return engine_ != nullptr; }
-  /// Bytes of the file under transfer, or of the last one.
+  /// Size of the file under transfer, or of the last one: in bytes up to 2 GiB, else in KiB, a part
+  /// of one counting as a whole.
   std::int32_t FileTotal() const { return file_total_; }
+  /// Why the last transfer failed, in plain English; empty while one runs and after a complete one.
+  const std::string& FileReason() const { return file_reason_; }
 
   void bytes_arrived() override;
   void bytes_sent() override;
@@ -86,11 +96,13 @@ class SerialControl final : public Line::Listener, public Scheduled {
   void work_transfer();
   void send_what_fits(std::size_t most_unsent);
   void report_progress();
+  void end_transfer(std::string_view reason);
 
   const Clock& clock_;
   Line& line_;
   EngineFactory make_engine_;
   int comm_port_ = 1;
+  std::string device_;
   std::string settings_ = "9600,N,8,1";
   int receive_threshold_ = 1;
   int send_threshold_ = 1;
@@ -100,6 +112,7 @@ class SerialControl final : public Line::Listener, public Scheduled {
   std::filesystem::path file_name_;
   std::unique_ptr<FileEngine> engine_;
   std::int32_t file_total_ = 0;
+  std::string file_reason_;
   std::uint64_t progress_told_ = 0;
   Time look_again_{};
 };

@@ -1,9 +1,11 @@
 #include <windows.h>
 // After windows.h, which it needs.
+#include <io.h>
 #include <shellapi.h>
 
 #include <algorithm>
 #include <array>
+#include <iostream>
 
 #include "platform/platform.h"
 
@@ -47,6 +49,18 @@ DeviceKind kind_of_device(const std::string& path) {
   return path.empty() ? DeviceKind::none : DeviceKind::serial_port;
 }
 
+bool is_trusted_port(std::intptr_t /*port_handle*/) {
+  return true;
+}
+
+bool has_odd_lock(const std::string& /*device*/) {
+  return false;
+}
+
+std::string missing_right(const std::string& /*path*/) {
+  return {};  // opening tells
+}
+
 std::size_t unsent_bytes(std::intptr_t port_handle) {
   COMSTAT status{};
   if (!::ClearCommError(handle_of(port_handle), nullptr, &status)) return 0;
@@ -57,8 +71,37 @@ int end_request() {
   return -1;
 }
 
-void open_web_address(const std::string& address) {
-  ::ShellExecuteA(nullptr, nullptr, address.c_str(), nullptr, "c:\\", SW_SHOWNORMAL);
+std::string resolved_device(const std::string& name) {
+  return name;
+}
+
+bool is_terminal(Stream stream) {
+  return ::_isatty(static_cast<int>(stream)) != 0;
+}
+
+void prepare_streams() {
+  ::SetConsoleOutputCP(CP_UTF8);
+}
+
+std::optional<std::string> read_line(int /*end_request*/) {
+  std::string line;
+  if (!std::getline(std::cin, line)) return std::nullopt;
+  return line;
+}
+
+std::vector<std::string> arguments(int /*count*/, char** /*words*/) {
+  int count = 0;
+  wchar_t** const words = ::CommandLineToArgvW(::GetCommandLineW(), &count);
+  std::vector<std::string> texts;
+  for (int i = 1; i < count; ++i) {
+    const int size = ::WideCharToMultiByte(CP_UTF8, 0, words[i], -1, nullptr, 0, nullptr, nullptr);
+    std::string text(static_cast<std::size_t>(std::max(size, 1)), '\0');
+    ::WideCharToMultiByte(CP_UTF8, 0, words[i], -1, text.data(), size, nullptr, nullptr);
+    text.pop_back();
+    texts.push_back(std::move(text));
+  }
+  ::LocalFree(words);
+  return texts;
 }
 
 std::error_code replace_file(const fs::path& name, std::string_view bytes, Links links) {
@@ -85,7 +128,7 @@ InputFile::~InputFile() {
   close();
 }
 
-std::error_code InputFile::open(const fs::path& path) {
+std::error_code InputFile::open(const fs::path& path, Links /*links*/) {
   close();
   const HANDLE file = ::CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
                                     OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);

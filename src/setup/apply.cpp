@@ -2,13 +2,13 @@
 
 #include <algorithm>
 
+#include "base/run_time_error.h"
+#include "link/exchange.h"
 #include "link/frame.h"
-#include "window/run_time_error.h"
 
 namespace orvex {
 namespace {
 
-constexpr std::size_t most_in_reply = 32767;
 /// Characters of a long text between two calls of keep_alive: well under a millisecond of work.
 constexpr std::size_t alive_step = 1 << 16;
 
@@ -33,7 +33,9 @@ bool apply_frames(ScannerSetup& setup, std::string_view text, std::size_t step,
       alive_at = start + step;
       keep_alive();
     }
-    Apply_Tag(setup, text.substr(start + 1, end - start - 1));
+    const auto tag = text.substr(start + 1, end - start - 1);
+    // A longer one can't come from a scanner, and a text box would be busy with it for seconds.
+    if (tag.size() <= most_in_reply) Apply_Tag(setup, tag);
     position = end + 1;
   }
 }
@@ -59,8 +61,8 @@ void Apply_Stream(ScannerSetup& setup, std::string_view text, const KeepAlive& k
 }
 
 void apply_reply(ScannerSetup& setup, std::string_view reply, const KeepAlive& keep_alive) {
-  if (reply.size() > most_in_reply) throw overflow_error();
-  if (!apply_frames(setup, reply, 0, keep_alive)) throw overflow_error();
+  const bool whole = apply_frames(setup, reply.substr(0, most_in_reply), 0, keep_alive);
+  if (!whole || reply.size() > most_in_reply) throw overflow_error();
 }
 
 }  // namespace orvex

@@ -15,11 +15,11 @@ void Apply_Tag(ScannerSetup& setup, std::string_view tag);
 using KeepAlive = std::function<void()>;
 
 /// Takes each frame SOH tag EOT of the text into the setup, in their order. Characters between
-/// frames, and a frame without its EOT, change nothing.
+/// frames, a frame without its EOT and a tag of more than 32,767 characters change nothing.
 void Apply_Stream(ScannerSetup& setup, std::string_view text, const KeepAlive& keep_alive);
 
 /// The same for a scanner's reply, which has at most 32,767 characters and ends no frame without
-/// its EOT; otherwise an overflow is thrown, and the tags before it stay applied.
+/// its EOT; otherwise an overflow is thrown behind the frames that end before that point.
 void apply_reply(ScannerSetup& setup, std::string_view reply, const KeepAlive& keep_alive);
 
 }  // namespace orvex

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "window/number.h"
+#include "base/number.h"
 
 namespace orvex {
 namespace {

@@ -5,9 +5,9 @@
 #include <limits>
 #include <numeric>
 
+#include "base/number.h"
+#include "base/run_time_error.h"
 #include "setup/apply.h"
-#include "window/number.h"
-#include "window/run_time_error.h"
 
 namespace orvex {
 namespace {
@@ -64,14 +64,18 @@ std::string join(const std::vector<std::string>& tags) {
 }  // namespace
 
 void send_setup(ScannerLink& link, const ScannerSetup& setup) {
+  send_setup(link, Setup_Tag_List(setup), port_settings(setup));
+}
+
+bool send_setup(ScannerLink& link, const std::vector<std::string>& tags,
+                const std::string& settings) {
   Form1& form1 = link.forms.form1;
   auto& panel = form1.sbrStatus.Panels[2];
   panel.clear();
   enable_scanner_buttons(form1, false);
-  const std::string frame_text = join(Setup_Tag_List(setup));
-  const std::string settings = port_settings(setup);
   panel = "Sending the setup";
-  if (link.exchange.Send_Tag(frame_text) == 1) {
+  const bool taken = link.exchange.Send_Tag(join(tags)) == 1;
+  if (taken) {
     panel.clear();
     try {
       link.MSComm1.Settings(settings);
@@ -83,6 +87,7 @@ void send_setup(ScannerLink& link, const ScannerSetup& setup) {
     panel = "Error in Sending";
   }
   enable_scanner_buttons(form1, true);
+  return taken;
 }
 
 void receive_setup(ScannerLink& link) {
@@ -122,6 +127,7 @@ void work_on_reply(ScannerLink& link, ScannerSetup& setup, std::string_view tag,
   const auto revision = [&](int row, std::size_t size) {
     form1.labRevision[row].Caption = " " + reply.substr(0, size);
   };
+  if (tag != "<SETPAR:>" && reply.size() > most_in_reply) throw overflow_error();
   if (tag == "<APP1RV:>") {
     if (link.state.StartUpQuery != -1) revision(1, revision_size);
     link.state.App1RevNumber = revision_number(reply);

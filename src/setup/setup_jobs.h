@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "link/scanner_link.h"
 #include "setup/scanner_setup.h"
@@ -11,6 +12,10 @@ namespace orvex {
 /// Writes the whole setup into the scanner in one frame and moves the port to its line settings
 /// after the ACK. A failure stands in panel 2.
 void send_setup(ScannerLink& link, const ScannerSetup& setup);
+
+/// The same with these tags and these settings of the port. True where the scanner has taken them.
+bool send_setup(ScannerLink& link, const std::vector<std::string>& tags,
+                const std::string& settings);
 
 /// Reads setup, revisions, web address and serial number. The first failure ends it and stands in
 /// panel 2; what was received before stays.

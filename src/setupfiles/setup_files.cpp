@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <string>
 
+#include "base/run_time_error.h"
 #include "link/frame.h"
 #include "platform/platform.h"
 #include "setup/apply.h"
-#include "window/run_time_error.h"
 
 namespace orvex {
 namespace {
@@ -22,24 +22,27 @@ void tell(WindowSystem& windows, const RunTimeError& error) {
                   .title = "Error"});
 }
 
+}  // namespace
+
 std::string read_setup_file(WindowSystem& windows, const std::filesystem::path& path) {
   platform::InputFile file;
   if (const auto error = file.open(path)) throw error_of(error);
   if (file.size() > most_bytes) throw error_of(std::make_error_code(std::errc::not_enough_memory));
-  std::string text(file.size(), '\0');
-  for (std::size_t done = 0; done < text.size();) {
+  std::string text;
+  text.reserve(file.size());
+  while (text.size() < file.size()) {
+    const std::size_t done = text.size();
+    text.resize(done + std::min<std::size_t>(read_step, file.size() - done));
     std::error_code error;
-    const auto piece = std::span(text).subspan(done, std::min(read_step, text.size() - done));
-    const auto got = file.read(done, piece, error);
+    const auto got = file.read(done, std::span(text).subspan(done), error);
     if (error) throw error_of(error);
-    done += got;
-    if (got < piece.size()) text.resize(done);
+    const bool ends_early = done + got < text.size();
+    text.resize(done + got);
+    if (ends_early) break;
     windows.pump(Wait::no);
   }
   return text;
 }
-
-}  // namespace
 
 void mnusave_Click(WindowSystem& windows, const ScannerSetup& setup) {
   const std::string text = setup_file_text(setup);

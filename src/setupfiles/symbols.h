@@ -12,7 +12,8 @@ namespace orvex {
 /// A control character of the pickers, under the code that is its index there.
 struct ControlSymbol {
   int index;
-  std::string_view name;  ///< without its brackets
+  std::string_view name;     ///< without its brackets
+  std::string_view meaning;  ///< its name in full, as ISO 646 has it
 };
 
 /// The 33 symbols in the order of the pickers, which show them in columns of seven.

@@ -2,11 +2,10 @@
 
 #include <string>
 
-#include "window/number.h"
-#include "window/run_time_error.h"
+#include "base/number.h"
+#include "base/run_time_error.h"
 
 namespace orvex {
-namespace {
 
 double number_of_digits(std::string revision) {
   std::erase(revision, '.');
@@ -15,10 +14,9 @@ double number_of_digits(std::string revision) {
   return *number;
 }
 
-}  // namespace
-
 std::int16_t Check_Rev(ScannerLink& link) {
   if (link.exchange.Send_Tag("<APP1RV:>") != 1) return 0;
+  if (!link.forms.form3.Visible) return 0;
   const double scanner = number_of_digits(link.forms.form1.labRevision[1].Caption);
   const double image = number_of_digits(link.forms.form3.Text3);
   if (scanner <= image) return 1;
@@ -26,7 +24,8 @@ std::int16_t Check_Rev(ScannerLink& link) {
       link.windows.MsgBox({.text = "You are about to program the scanner with a OLDER revision\r"
                                    "Do you want to continue ?",
                            .buttons = Buttons::yes_no,
-                           .title = "WARNING"});
+                           .title = "WARNING",
+                           .owner = Owner::upload_window});
   return answer == Answer::yes ? 1 : 0;
 }
 

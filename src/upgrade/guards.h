@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "link/scanner_link.h"
 
@@ -8,9 +9,13 @@ namespace orvex {
 
 /// Asks the scanner for the revision of its Application 1 and warns before an image that is older,
 /// revisions being compared as the numbers that all their digits make. Gives 1 to go on, 0 where
-/// the query failed or the user turned the warning down. Throws a type mismatch where a revision is
-/// no number.
+/// the query failed, the user left Form3 meanwhile or turned the warning down. Throws a type
+/// mismatch where a revision is no number.
 std::int16_t Check_Rev(ScannerLink& link);
+
+/// The number that all digits of a revision make, as 321 for "3.21". Throws a type mismatch where
+/// they make none.
+double number_of_digits(std::string revision);
 
 /// Moves the line to 115200 Bps where the menu's mark asks for it. Gives 1 when the load can go on
 /// and 0 when the scanner didn't acknowledge the change. May throw RunTimeError.

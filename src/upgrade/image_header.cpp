@@ -1,7 +1,7 @@
 #include "upgrade/image_header.h"
 
+#include "base/run_time_error.h"
 #include "platform/platform.h"
-#include "window/run_time_error.h"
 
 namespace orvex {
 

@@ -5,10 +5,9 @@
 #include <string>
 #include <utility>
 
-#include "discovery/attempts.h"
-#include "link/frame.h"
+#include "base/attempts.h"
+#include "base/run_time_error.h"
 #include "upgrade/guards.h"
-#include "window/run_time_error.h"
 
 namespace orvex {
 namespace {
@@ -87,7 +86,8 @@ void Upgrade::Command1_Click() {
   const auto answer = link_.windows.MsgBox({.text = "Do you want to CANCEL the file transfer?",
                                             .buttons = Buttons::yes_no,
                                             .title = "Abort file transfer...",
-                                            .owner = Owner::upload_window});
+                                            .owner = Owner::upload_window,
+                                            .refuses_by_default = true});
   if (answer != Answer::yes || !link_.forms.form3.Loaded || cancelling_) return;
   if (preparing_) {
     cancel_wanted_ = true;
@@ -135,7 +135,8 @@ void Upgrade::load_image(const std::filesystem::path& path) {
   show_form3(*header);
   const auto answer = link_.windows.MsgBox({.text = "Do You Want to Update the ROM?",
                                             .buttons = Buttons::yes_no,
-                                            .title = "Application 1 File into ROM..."});
+                                            .title = "Application 1 File into ROM...",
+                                            .owner = Owner::upload_window});
   if (answer == Answer::yes && link_.forms.form3.Loaded) {
     prepare_and_start(path);
   } else {
@@ -174,7 +175,7 @@ void Upgrade::prepare_and_start(const std::filesystem::path& path) {
       ready = Check_Rev(link_) == 1 && !left_by_user() && Fast_Load(link_) == 1 &&
               !left_by_user() && link_.exchange.Send_Tag(load_tag) == 1;
     } catch (const RunTimeError&) {
-      if (!cancel_wanted_) throw;
+      if (!left_by_user()) throw;
     }
   }
   if (std::exchange(cancel_wanted_, false)) {
@@ -244,8 +245,8 @@ void Upgrade::welcome_new_firmware() {
   link_.state.TimedOut = 0;
   link_.forms.form1.Timer1.Enabled(true);
   Attempts attempts;
-  attempts([&] { link_.MSComm1.Output(frame_of(ping_tag)); });
-  if (link_.exchange.wait_for_ping()) after_load_.cmdReceive_Click();
+  attempts([&] { link_.exchange.send_ping(); });
+  if (link_.exchange.wait_for_ping(attempts)) after_load_.cmdReceive_Click();
 }
 
 }  // namespace orvex

@@ -4,9 +4,9 @@
 #include <filesystem>
 #include <functional>
 
+#include "base/timer.h"
 #include "link/scanner_link.h"
 #include "upgrade/image_header.h"
-#include "window/timer.h"
 
 namespace orvex {
 
@@ -29,7 +29,7 @@ class Upgrade {
   void Command1_Click();
   /// Form_Unload of Form3: every close puts the serial control back.
   void close();
-  /// Progress of the transfer in bytes.
+  /// Progress of the transfer in the unit of FileTotal.
   void FileProgress(std::int32_t done);
 
   /// True from the image's choice to the end of all that follows a load: the line is taken.

@@ -4,8 +4,8 @@
 #include <map>
 #include <string>
 
+#include "base/timer.h"
 #include "window/controls.h"
-#include "window/timer.h"
 
 namespace orvex {
 
@@ -22,19 +22,26 @@ struct Geometry {
 /// Which of the two pictures of FrameLED lies in front.
 enum class Indicator { imgNotConnected, imgConnected };
 
-/// The main window, but for the fields of the setup, which stand in ScannerSetup.
+/// Size of Form1 at the usual type, in twips.
+inline constexpr int Form1_width = 8980;
+inline constexpr int Form1_height = 7815;
+
+/// The main window, but for the fields of the setup, which stand in ScannerSetup, and for what
+/// nothing ever changes.
 struct Form1 {
   explicit Form1(const Clock& clock, std::function<void()> timer_tick)
       : Timer1(clock, std::move(timer_tick)) {}
 
   bool Visible = false;
   std::string Caption = application_title;
-  Geometry geometry{.Width = 8980, .Height = 7815};
+  Geometry geometry{.Width = Form1_width, .Height = Form1_height};
 
-  Button cmdReceive, cmdSend, cmdFactory, cmdExit, cmdWeb, cmdCtrlPre, cmdCtrlSuf;
+  Button cmdReceive, cmdSend, cmdFactory, cmdWeb;
   TabControl SSTab1;
   StatusBar sbrStatus;
-  std::string port_path;  ///< tool tip of panel 1: the device behind the port, empty where none
+  /// Tool tip of panel 1, in the encoding of file names: the device of the open port, or port,
+  /// device and why it isn't open.
+  std::string port_tip;
   Indicator FrameLED = Indicator::imgNotConnected;
   int FrameLED_offset = 0;  ///< twips from the top of sbrStatus to the top of FrameLED
 
@@ -46,8 +53,8 @@ struct Form1 {
   Panel Symbol1{false};
   Panel Symbol2{false};
 
-  MenuItem mnuopen, mnusave, mnuexit, mnuauto, mnumanual, mnuabout;
-  std::map<int, MenuItem> mnuload{{2, {}}, {5, {}}};
+  MenuItem mnuauto, mnumanual, mnuabout;
+  std::map<int, MenuItem> mnuload{{5, {}}};  ///< by index
 
   Timer Timer1;
 };
@@ -75,6 +82,8 @@ struct Form4 {
   bool Loaded = false;
   bool Visible = false;
   ComboBox Combo1, Combo2, Combo3;
+  /// Tool tips of the items of Combo1, in the encoding of file names: the devices of the ports.
+  std::array<std::string, 6> Combo1_tips;
 };
 
 inline constexpr std::array Combo1_list{"Com 1", "Com 2", "Com 3", "Com 4", "Com 5", "Com 6"};

@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "window/clock.h"
-#include "window/timer.h"
+#include "base/clock.h"
+#include "base/timer.h"
 
 namespace orvex {
 
@@ -27,11 +27,12 @@ enum class Answer { ok, retry, cancel, yes, no };
 enum class Owner { active_window, upload_window };
 
 struct MessageBox {
-  std::string text;  ///< ISO 8859-1, plain text; CR parts its lines
+  std::string text;  ///< in the system's encoding (UTF-8, as a rule), plain; CR parts its lines
   Buttons buttons = Buttons::ok;
   Icon icon = Icon::none;
   std::string title = "Orvex1";
   Owner owner = Owner::active_window;
+  bool refuses_by_default = false;  ///< Enter presses No or Cancel, else the other button
 };
 
 struct FileDialog {

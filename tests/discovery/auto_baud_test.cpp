@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "virtual/desk.h"
+#include "testing/virtual/desk.h"
 
-namespace orvex::test {
+namespace orvex::testing {
 namespace {
 
 /// The box of a port that can't be opened.
@@ -10,9 +10,10 @@ const std::string no_port =
     "[Port is not available at COM:1/You can change the port settings from/"
     "PC Port Setting -> Manual Baud Setting.../]";
 
-struct ScanTest : testing::Test, Desk {
+struct ScanTest : ::testing::Test, Desk {
   bool menus() {
     EXPECT_EQ(form1().mnuauto.Enabled, form1().mnumanual.Enabled);
+    EXPECT_EQ(form1().mnuauto.Enabled, form1().mnuabout.Enabled);
     return form1().mnuauto.Enabled;
   }
 };
@@ -91,11 +92,28 @@ TEST_F(ScanTest, each_rate_is_found_at_its_try) {
   }
 }
 
-TEST_F(ScanTest, noise_in_one_piece_with_the_ack_is_skipped) {
+TEST_F(ScanTest, an_ack_wins_over_the_tick_in_its_pass_and_counts_for_no_later_rate) {
   line.paced = false;
-  scanner.faults.junk_before_ack = std::string(100, '\xF8');
+  scanner.options.ack_delay = 500ms;
   start();
-  EXPECT_EQ(line.texts(), "<TXPING:><APP1RV:>");
+  EXPECT_EQ(line.texts().substr(0, 18), "<TXPING:><APP1RV:>");
+  scanner.rate(19200);
+  scanner.faults.silent = simulator::always;
+  windows.answers = {{Answer::cancel}};
+  // It comes once the wait at 9600 is over, and is read at the rate of the next try.
+  windows.at(now() + 500ms, [&] { line.inject("\x06"); });
+  press(&Program::mnuauto_Click);
+  EXPECT_EQ(windows.box_texts(), "[Connection Failed]");
+}
+
+TEST_F(ScanTest, noise_in_one_piece_with_the_ack_is_skipped) {
+  for (const std::size_t size : {99U, 100U}) {
+    Desk desk;
+    desk.line.paced = false;
+    desk.scanner.faults.junk_before_ack = std::string(size, '\xF8');
+    desk.start();
+    EXPECT_EQ(desk.line.texts(), "<TXPING:><APP1RV:>");
+  }
 }
 
 TEST_F(ScanTest, retry_opens_the_port_again_and_starts_at_9600_behind_the_splash_window) {
@@ -106,9 +124,46 @@ TEST_F(ScanTest, retry_opens_the_port_again_and_starts_at_9600_behind_the_splash
     EXPECT_FALSE(menus());
   });
   start();
+  EXPECT_EQ(windows.box_texts(), "[Connection Failed]") << "no step has failed";
   EXPECT_EQ(line.opens, 2);
   ASSERT_GT(line.frames.size(), 8U);
   EXPECT_EQ(line.frames[8].at, 14s);
+  EXPECT_EQ(panel(1), "Settings: 9600,N,8,1  Com Port: 1");
+  EXPECT_EQ(buttons(), "SRFW");
+}
+
+TEST_F(ScanTest, a_port_that_failed_in_the_wait_of_any_rate_is_told_at_the_retry) {
+  for (const Time gone : {200ms, 1700ms, 3600ms}) {
+    Desk desk;
+    desk.scanner.faults.silent = 1;
+    desk.windows.answers = {{Answer::retry, 1s}};
+    desk.windows.at(gone, [&] { desk.line.unplug(); });
+    desk.windows.at(4500ms, [&] { desk.line.plug(); });
+    desk.start();
+    EXPECT_EQ(desk.windows.box_texts(), "[Connection Failed]" + no_port) << gone.count();
+    EXPECT_EQ(desk.panel(1), "Settings: 9600,N,8,1  Com Port: 1");
+    EXPECT_EQ(desk.buttons(), "SRFW");
+  }
+}
+
+TEST_F(ScanTest, each_retry_is_a_pass_of_its_own_and_a_cancel_ends_them) {
+  scanner.faults.silent = simulator::always;
+  windows.answers = {{Answer::retry}, {Answer::retry}, {Answer::cancel}};
+  start();
+  EXPECT_EQ(line.opens, 3);
+  EXPECT_EQ(line.frames.size(), 24U);
+  EXPECT_FALSE(line.is_open());
+  EXPECT_EQ(buttons(), "---W");
+  EXPECT_TRUE(menus());
+}
+
+TEST_F(ScanTest, a_step_that_failed_in_an_earlier_pass_is_told_and_the_run_goes_on) {
+  line.refuses_settings = true;
+  scanner.faults.silent = 8;
+  windows.answers = {{Answer::retry, 1s}};
+  windows.at(4500ms, [&] { line.refuses_settings = false; });
+  start();
+  EXPECT_EQ(windows.box_texts(), "[Connection Failed]" + no_port);
   EXPECT_EQ(panel(1), "Settings: 9600,N,8,1  Com Port: 1");
   EXPECT_EQ(buttons(), "SRFW");
 }
@@ -140,12 +195,45 @@ TEST_F(ScanTest, a_port_that_goes_before_a_retry_leaves_the_splash_window) {
   EXPECT_TRUE(menus());
 }
 
+TEST_F(ScanTest, the_tool_tip_of_panel_1_tells_the_device_or_why_the_port_is_not_open) {
+  const std::string& tip = form1().port_tip;
+  start();
+  EXPECT_EQ(tip, "/dev/virtual1");
+  line.unplug();
+  EXPECT_EQ(tip, "COM 1, /dev/virtual1: unplugged");
+  press(&Program::mnuauto_Click);
+  EXPECT_EQ(tip, "COM 1, /dev/virtual1: no such device");
+  line.plug();
+  line.refuses_open = true;
+  press(&Program::mnuauto_Click);
+  EXPECT_EQ(tip, "COM 1, /dev/virtual1: held by another program");
+  line.refuses_open = false;
+  press(&Program::mnuauto_Click);
+  EXPECT_EQ(tip, "/dev/virtual1");
+  scanner.faults.silent = simulator::always;
+  windows.answers = {{Answer::cancel}};
+  press(&Program::mnuauto_Click);
+  EXPECT_EQ(tip, "COM 1, /dev/virtual1: closed");
+  windows.answers = {{Answer::cancel}};
+  windows.at(now() + 1s, [&] { line.unplug(); });
+  press(&Program::mnuauto_Click);
+  EXPECT_EQ(tip, "COM 1, /dev/virtual1: unplugged") << "the first cause stays";
+}
+
 TEST_F(ScanTest, a_stored_port_that_is_none_is_told_and_the_present_one_is_scanned) {
   folder.write("Orvex.INI", "PORTSET=9600,n,8,1;");
   start();
   EXPECT_EQ(windows.box_texts(), "[Invalid port number]");
   EXPECT_EQ(line.port, 1);
   EXPECT_EQ(buttons(), "SRFW");
+  // A port at which nobody answers is not stored.
+  press(&Program::mnumanual_Click);
+  program.forms.form4.Combo1 = {"Com 2", 1};
+  press(&Program::Form4_Command1_Click);
+  line.scanner_port = 2;
+  press(&Program::mnuauto_Click);
+  EXPECT_EQ(windows.box_texts(), "[Invalid port number][Invalid port number]");
+  EXPECT_EQ(panel(1), "Settings: 9600,N,8,1  Com Port: 2");
 }
 
 TEST_F(ScanTest, the_stored_port_is_scanned_and_the_stored_settings_play_no_part) {
@@ -172,4 +260,4 @@ TEST_F(ScanTest, the_parity_comes_from_the_last_manual_setting) {
 }
 
 }  // namespace
-}  // namespace orvex::test
+}  // namespace orvex::testing

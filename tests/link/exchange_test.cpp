@@ -3,12 +3,12 @@
 #include <gtest/gtest.h>
 
 #include "link/frame.h"
-#include "virtual/desk.h"
+#include "testing/virtual/desk.h"
 
-namespace orvex::test {
+namespace orvex::testing {
 namespace {
 
-struct ExchangeTest : testing::Test, Bench {
+struct ExchangeTest : ::testing::Test, LinkDesk {
   std::int16_t send(std::string_view tag) { return exchange.Send_Tag(tag); }
   const std::string& panel2() { return forms.form1.sbrStatus.Panels[2]; }
   std::vector<Time> frame_times() const {
@@ -32,6 +32,23 @@ TEST_F(ExchangeTest, three_naks_end_the_transaction_without_waiting) {
   EXPECT_EQ(line.frames.size(), 3U);
   EXPECT_LT(now(), 75ms);
   EXPECT_EQ(panel2(), "TIME OUT COUNT = 2");
+}
+
+TEST_F(ExchangeTest, a_nak_ends_its_wait_also_with_an_ack_in_the_same_piece) {
+  line.paced = false;
+  scanner.faults.junk_before_ack = "\x15";
+  EXPECT_EQ(send("<SPVOLU=LOW>"), 0);
+  EXPECT_EQ(line.frames.size(), 3U);
+}
+
+TEST_F(ExchangeTest, a_device_that_talks_without_end_fills_no_more_than_a_reply) {
+  constexpr std::size_t most = 32768;
+  line.paced = false;
+  const std::string talk(32000, '-');
+  for (int i = 1; i <= 34; ++i) windows.at(i * 1ms, [&] { line.inject(talk); });
+  windows.idle(1s);
+  EXPECT_EQ(state.RxAccum.size(), most);
+  EXPECT_EQ(send("<SPVOLU=LOW>"), 1);
 }
 
 TEST_F(ExchangeTest, silence_gives_three_identical_frames_a_second_apart_and_burns_no_time) {
@@ -148,6 +165,45 @@ TEST_F(ExchangeTest, replies_fill_their_labels_uncut_where_they_are_short) {
   }
 }
 
+TEST_F(ExchangeTest, a_reply_of_more_than_32767_characters_is_a_failure_and_nobody_keeps_it) {
+  const auto lines = [](std::size_t size) { return std::string(size - 2, '\n') + "\r\n"; };
+  const struct {
+    std::string reply;
+    bool taken;
+    const char* name;
+  } table[]{{lines(32767), true, "just enough"},
+            {lines(32768), false, "one more"},
+            {std::string(1'000'000, '\n'), false, "no end"},
+            {lines(1'000'000), false, "a million line ends"}};
+  constexpr std::size_t piece = 20'000;  // what the port keeps for its reader
+  line.paced = false;
+  for (const auto& row : table) {
+    SCOPED_TRACE(row.name);
+    windows.boxes.clear();
+    forms.form1.Label4.Caption = "old";
+    scanner.faults.other_reply = row.reply.substr(0, piece);
+    Time at = now() + 20ms;
+    for (std::size_t i = piece; i < row.reply.size(); i += piece) {
+      windows.at(at += 1ms, [&, i] { line.inject(row.reply.substr(i, piece)); });
+    }
+    EXPECT_EQ(send("<SERIAL:>"), row.taken ? 1 : 0);
+    EXPECT_EQ(windows.box_texts(), row.taken ? "" : "[Overflow]");
+    EXPECT_EQ(forms.form1.Label4.Caption == row.reply, row.taken);
+    EXPECT_LE(state.ReplyText.size(), 32768U);
+    windows.idle(1s);
+    EXPECT_LE(state.RxAccum.size(), 32768U) << "the rest of the flood";
+  }
+  windows.boxes.clear();
+  scanner.faults.other_reply = frame_of("<CD39EN=1>") + std::string(piece, ' ');
+  windows.at(now() + 20ms, [&] { line.inject(std::string(piece, ' ')); });
+  EXPECT_EQ(send("<SETPAR:>"), 0);
+  EXPECT_EQ(windows.box_texts(), "[Overflow]");
+  EXPECT_EQ(setup.value(Field::CD39EN), "1") << "frames before that point hold";
+  scanner.faults = {};
+  EXPECT_EQ(send("<SERIAL:>"), 1) << "the next exchange begins afresh";
+  EXPECT_EQ(forms.form1.Label4.Caption, "0004711\r\n");
+}
+
 TEST_F(ExchangeTest, the_revision_number_is_made_of_characters_one_three_and_four) {
   struct {
     const char* reply;
@@ -197,4 +253,4 @@ TEST_F(ExchangeTest, a_line_lost_in_the_reply_wait_ends_in_a_box) {
 }
 
 }  // namespace
-}  // namespace orvex::test
+}  // namespace orvex::testing

@@ -2,15 +2,15 @@
 
 #include <gtest/gtest.h>
 
-#include "virtual/temporary_folder.h"
+#include "testing/virtual/temporary_folder.h"
 
-namespace orvex::test {
+namespace orvex::testing {
 namespace {
 
 const std::string default_file = "PORTCOM=1;PORTSET=9600,n,8,1;SUPPSET=000000;\r\n";
 
 TEST(PortStore, reads_what_can_be_read_and_repairs_the_rest) {
-  const std::string long_value(40000, 'x');
+  const std::string most = "PORTCOM=2;UNKNOWN=" + std::string(32767 - 19, 'x') + ";";
   struct {
     std::string file;
     std::string com;
@@ -36,7 +36,8 @@ TEST(PortStore, reads_what_can_be_read_and_repairs_the_rest) {
       {"PORTCOM=2;PORTCOM=4;", "4", "", false},
       {"", "", "", false},
       {"\r\n", "", "", false},
-      {"PORTCOM=2;UNKNOWN=" + long_value + ";", "1", "9600,n,8,1", true},
+      {most, "2", "", false},
+      {most + "\n", "1", "9600,n,8,1", true},
   };
   for (const auto& row : table) {
     const TemporaryFolder folder;
@@ -63,4 +64,4 @@ TEST(PortStore, a_first_start_creates_the_file_and_one_that_cannot_goes_on_witho
 }
 
 }  // namespace
-}  // namespace orvex::test
+}  // namespace orvex::testing

@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "virtual/desk.h"
+#include "testing/virtual/desk.h"
 
-namespace orvex::test {
+namespace orvex::testing {
 namespace {
 
 /// The number of the failure that a step ends in, 0 where it works.
@@ -18,7 +18,7 @@ int failure_of(Step&& step) {
   return 0;
 }
 
-struct SerialControlTest : testing::Test, Bench {};
+struct SerialControlTest : ::testing::Test, LinkDesk {};
 
 TEST_F(SerialControlTest, settings_reach_the_line_with_each_of_their_fields) {
   const struct {
@@ -83,5 +83,23 @@ TEST_F(SerialControlTest, an_unread_line_keeps_its_buffer_and_no_more) {
   EXPECT_EQ(MSComm1.Input().size(), in_buffer_size);
 }
 
+TEST_F(SerialControlTest, why_a_transfer_failed_stays_readable_after_it) {
+  MSComm1.FileName(folder.write("image.bin", random_image(200, 1)));
+  MSComm1.Protocol(5);
+  const struct {
+    std::function<void()> end;
+    const char* reason;
+  } table[]{{[&] { windows.idle(31s); }, "the scanner did not ask for the file"},
+            {[&] { MSComm1.FileSendOn(false); }, "stopped by the user"},
+            {[&] { line.unplug(); }, "the line is gone"}};
+  for (const auto& row : table) {
+    MSComm1.FileSendOn(true);
+    EXPECT_EQ(MSComm1.FileReason(), "");
+    row.end();
+    EXPECT_FALSE(MSComm1.FileBusy());
+    EXPECT_EQ(MSComm1.FileReason(), row.reason);
+  }
+}
+
 }  // namespace
-}  // namespace orvex::test
+}  // namespace orvex::testing

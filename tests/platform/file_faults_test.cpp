@@ -1,7 +1,9 @@
 // The state file in folders and under rights that refuse it, behind links and between two tools.
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -9,12 +11,12 @@
 #include <array>
 #include <functional>
 
+#include "base/run_time_error.h"
 #include "link/port_store.h"
 #include "platform/platform.h"
-#include "virtual/temporary_folder.h"
-#include "window/run_time_error.h"
+#include "testing/virtual/temporary_folder.h"
 
-namespace orvex::test {
+namespace orvex::testing {
 namespace {
 
 namespace fs = std::filesystem;
@@ -41,6 +43,24 @@ std::ptrdiff_t unfinished(const fs::path& folder) {
     return entry.path().filename().string().starts_with(".orvex-");
   });
 }
+
+/// The reading end of a pipe.
+class Reader {
+ public:
+  explicit Reader(const fs::path& path)
+      : descriptor_(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)) {}
+  ~Reader() { ::close(descriptor_); }
+  Reader(const Reader&) = delete;
+  Reader& operator=(const Reader&) = delete;
+  std::string read() const {
+    std::array<char, 100> bytes{};
+    const auto got = ::read(descriptor_, bytes.data(), bytes.size());
+    return {bytes.data(), static_cast<std::size_t>(std::max<ssize_t>(got, 0))};
+  }
+
+ private:
+  int descriptor_;
+};
 
 /// A state file in a folder that refuses what an ordinary user does to it.
 struct Refusal {
@@ -98,12 +118,19 @@ TEST(FileFaults, a_write_that_is_refused_leaves_all_as_it_was) {
   }
 }
 
-TEST(FileFaults, a_link_in_place_of_the_state_file_gives_way_and_its_target_stays) {
-  for (const char* target : {"target", "missing", ".", "/dev/null", "Orvex.INI"}) {
+TEST(FileFaults, what_stands_in_place_of_the_state_file_gives_way_and_its_target_stays) {
+  for (const char* target : {"target", "good", "missing", ".", "/dev/null", "Orvex.INI", "pipe"}) {
     SCOPED_TRACE(target);
     const TemporaryFolder folder;
     folder.write("target", "PORTCOM=9;");
-    fs::create_symlink(target, folder / ini_name);
+    folder.write("good", "PORTCOM=2;");
+    const bool pipe = target == std::string_view("pipe");
+    if (pipe) {
+      ASSERT_EQ(::mkfifo((folder / ini_name).c_str(), 0666), 0);
+    } else {
+      fs::create_symlink(target, folder / ini_name);
+    }
+    const Reader reader(pipe ? folder / ini_name : fs::path("/dev/null"));
     PortState state;
     Load_Ini(state, folder.path());
     EXPECT_EQ(state.PortCom, "1");
@@ -112,7 +139,37 @@ TEST(FileFaults, a_link_in_place_of_the_state_file_gives_way_and_its_target_stay
     EXPECT_TRUE(fs::is_regular_file(status));
     EXPECT_EQ(status.permissions(), fs::perms{0664}) << "the next user is in the same group";
     EXPECT_EQ(content(folder / "target"), "PORTCOM=9;");
+    EXPECT_EQ(content(folder / "good"), "PORTCOM=2;");
+    EXPECT_EQ(reader.read(), "");
     EXPECT_EQ(unfinished(folder.path()), 0);
+  }
+}
+
+TEST(FileFaults, a_link_that_somebody_else_made_in_a_folder_of_all_is_not_written_through) {
+  if (::geteuid() != 0) GTEST_SKIP() << "only root makes files of several users";
+  constexpr uid_t somebody = 1;
+  const struct {
+    uid_t owner;  ///< of the link
+    int error;
+  } table[]{{somebody, error_number::permission_denied}, {nobody, 0}, {0, 0}};
+  for (const auto& row : table) {
+    const TemporaryFolder outer;
+    fs::permissions(outer.path(), fs::perms{0755});
+    const fs::path own = outer.write("home/own", "old");
+    const fs::path link = outer.write("shared/x", "").parent_path() / "link";
+    fs::permissions(link.parent_path(), fs::perms{01777});
+    fs::create_symlink(own, link);
+    for (const fs::path& path : {own.parent_path(), own}) {
+      ASSERT_EQ(::chown(path.c_str(), nobody, nobody), 0);
+    }
+    ASSERT_EQ(::lchown(link.c_str(), row.owner, row.owner), 0);
+    const Refusal no_limit{"", 0, 0, false, 0, ""};
+    const auto save = [&] {
+      const auto error = platform::replace_file(link, "new");
+      return error ? error_of(error).number : 0;
+    };
+    EXPECT_EQ(as_user(no_limit, save), row.error) << row.owner;
+    EXPECT_EQ(content(own), row.error == 0 ? "new" : "old");
   }
 }
 
@@ -154,4 +211,4 @@ TEST(FileFaults, two_tools_at_once_never_mix_what_they_save) {
 }
 
 }  // namespace
-}  // namespace orvex::test
+}  // namespace orvex::testing

@@ -1,16 +1,21 @@
 #include "platform/platform.h"
 
+#include <grp.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
 #include <iterator>
 
+#include "base/run_time_error.h"
 #include "platform/linux_ports.h"
-#include "virtual/temporary_folder.h"
-#include "window/run_time_error.h"
+#include "testing/virtual/temporary_folder.h"
 
-namespace orvex::test {
+namespace orvex::testing {
 namespace {
 
 namespace fs = std::filesystem;
@@ -32,6 +37,16 @@ TEST(ReplaceFile, replaces_a_file_whole_and_keeps_its_rights_and_links) {
   ::umask(mask);
   EXPECT_EQ(fs::status(folder / "own").permissions(), fs::perms{0640});
   EXPECT_EQ(fs::file_size(folder / "own"), 1U << 20);
+}
+
+TEST(ReplaceFile, takes_over_the_rights_to_read_write_and_run_and_no_others) {
+  const TemporaryFolder folder;
+  for (const int special : {04000, 02000, 01000, 07000}) {
+    const fs::path file = folder.write("file", "old");
+    fs::permissions(file, static_cast<fs::perms>(special | 0755));
+    EXPECT_FALSE(platform::replace_file(file, "new"));
+    EXPECT_EQ(fs::status(file).permissions(), fs::perms{0755});
+  }
 }
 
 TEST(ReplaceFile, leaves_the_old_file_and_no_other_where_it_fails) {
@@ -106,18 +121,57 @@ TEST(SerialPorts, a_link_decides_also_where_it_leads_nowhere) {
   fs::create_symlink("device", folder / "com1");
   fs::create_symlink("unplugged", folder / "com2");
   EXPECT_EQ(platform::device_of_port(1, folder.path()), "/dev/null");
-  EXPECT_EQ(platform::device_of_port(2, folder.path()), "");
+  EXPECT_EQ(platform::device_of_port(2, folder.path()), (folder / "unplugged").string());
+  fs::create_symlink("com3", folder / "com3");
+  EXPECT_EQ(platform::device_of_port(3, folder.path()), "");
   EXPECT_EQ(platform::device_of_port(0, folder.path()), "");
   const auto ports = platform::serial_ports("/sys/class/tty");
   EXPECT_EQ(platform::device_of_port(3, folder.path()), ports.size() < 3 ? "" : "/dev/" + ports[2]);
 }
 
+TEST(SerialPorts, a_lock_that_is_no_small_file_is_told_without_opening_it) {
+  const std::string name = "orvex-test/" + std::to_string(::getpid());
+  const fs::path lock = "/tmp/LCK..orvex-test_" + std::to_string(::getpid());
+  const auto is_odd = [&] { return platform::has_odd_lock("/dev/" + name); };
+  EXPECT_FALSE(is_odd());
+  std::ofstream(lock) << std::string(1024, ' ');
+  EXPECT_FALSE(is_odd());
+  fs::resize_file(lock, 1025);
+  EXPECT_TRUE(is_odd());
+  fs::remove(lock);
+  fs::create_symlink("/nowhere", lock);
+  EXPECT_TRUE(is_odd());
+  fs::remove(lock);
+  ASSERT_EQ(::mkfifo(lock.c_str(), 0), 0);
+  EXPECT_TRUE(is_odd());
+  fs::remove(lock);
+}
+
+TEST(SerialPorts, a_user_who_may_not_open_the_device_is_told_the_group_that_may) {
+  const TemporaryFolder folder;
+  const fs::path device = folder.write("device", "");
+  EXPECT_EQ(platform::missing_right(device), "");
+  EXPECT_EQ(platform::missing_right(folder / "missing"), "");
+  fs::permissions(folder.path(), fs::perms{0755});
+  fs::permissions(device, fs::perms{0060});
+  const std::string group = ::getgrgid(::getegid())->gr_name;
+  constexpr uid_t nobody = 65534;
+  EXPECT_EXIT(
+      {
+        if (::geteuid() == 0 && (::setgid(nobody) != 0 || ::setuid(nobody) != 0)) std::exit(1);
+        std::fputs(platform::missing_right(device).c_str(), stderr);
+        std::exit(0);
+      },
+      ::testing::ExitedWithCode(0), "^permission denied \\(group " + group + "\\)$");
+}
+
 TEST(SerialPorts, device_kinds_are_told_apart) {
   const TemporaryFolder folder;
+  EXPECT_EQ(platform::kind_of_device("/dev/zero"), platform::DeviceKind::none);
   EXPECT_EQ(platform::kind_of_device("/dev/ptmx"), platform::DeviceKind::serial_port);
   EXPECT_EQ(platform::kind_of_device(folder.write("file", "x")), platform::DeviceKind::none);
   EXPECT_EQ(platform::kind_of_device(""), platform::DeviceKind::none);
 }
 
 }  // namespace
-}  // namespace orvex::test
+}  // namespace orvex::testing

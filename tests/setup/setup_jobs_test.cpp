@@ -2,12 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include "virtual/desk.h"
+#include "testing/virtual/desk.h"
 
-namespace orvex::test {
+namespace orvex::testing {
 namespace {
 
-struct SetupJobsTest : testing::Test, Desk {
+struct SetupJobsTest : ::testing::Test, Desk {
   SetupJobsTest() {
     start();
     line.frames.clear();
@@ -105,6 +105,11 @@ TEST_F(SetupJobsTest, a_send_is_one_frame_and_moves_the_port_behind_its_ack) {
   EXPECT_EQ(line.opens, 1);
   press(&Program::cmdReceive_Click);
   EXPECT_EQ(panel(2), "");
+  for (const auto& [parity, letter] : {std::pair{0U, 'n'}, {1U, 'o'}}) {
+    program.setup.choose(Field::RSPRTY, parity);
+    press(&Program::cmdSend_Click);
+    EXPECT_EQ(panel(1), std::string("Settings: 115200,") + letter + ",7,2  Com Port: 1");
+  }
 }
 
 TEST_F(SetupJobsTest, a_failed_send_leaves_port_and_setup) {
@@ -153,4 +158,4 @@ TEST_F(SetupJobsTest, after_a_factory_default_a_field_without_a_tag_keeps_its_va
 }
 
 }  // namespace
-}  // namespace orvex::test
+}  // namespace orvex::testing

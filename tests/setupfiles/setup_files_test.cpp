@@ -5,15 +5,16 @@
 #include <algorithm>
 #include <random>
 
+#include "parameter_table.h"
 #include "setup/apply.h"
 #include "setupfiles/symbols.h"
-#include "virtual/temporary_folder.h"
-#include "virtual/virtual_windows.h"
+#include "testing/virtual/temporary_folder.h"
+#include "testing/virtual/virtual_windows.h"
 
-namespace orvex::test {
+namespace orvex::testing {
 namespace {
 
-struct SetupFilesTest : testing::Test {
+struct SetupFilesTest : ::testing::Test {
   void save(const std::filesystem::path& path) {
     windows.files.emplace_back(path);
     mnusave_Click(windows, setup);
@@ -31,11 +32,13 @@ struct SetupFilesTest : testing::Test {
 TEST_F(SetupFilesTest, a_file_holds_all_tags_but_one_in_their_order) {
   save(folder / "any name");
   std::string text;
-  for (const std::string& tag : Setup_Tag_List(setup)) {
-    if (tag != "<RSCTSE=0>") text += "\x01" + tag + "\x04";
+  for (const ListedParameter& row : parameter_table()) {
+    if (row.tag("0") != "<RSCTSE=0>") text += "\x01" + row.tag(row.initial) + "\x04";
   }
   EXPECT_EQ(content(folder / "any name"), text);
-  EXPECT_EQ(windows.dialog_titles, std::vector<std::string>{"Select a TXT file"});
+  open(folder / "any name");
+  const std::string dialog = "Select a TXT file|All files|Text Files (*.txt)";
+  EXPECT_EQ(windows.dialogs, (std::vector{dialog, dialog}));
 }
 
 TEST_F(SetupFilesTest, a_thousand_random_setups_survive_saving_and_opening) {
@@ -73,6 +76,14 @@ TEST_F(SetupFilesTest, the_text_is_fixed_before_the_dialog_appears) {
   windows.at(500ms, [&] { setup.choose(Field::SPVOLU, 0); });
   save(folder / "file");
   EXPECT_NE(content(folder / "file").find("<SPVOLU=MEDIUM>"), std::string::npos);
+}
+
+TEST_F(SetupFilesTest, a_file_that_shrinks_while_it_is_read_ends_where_it_ends) {
+  const auto path = folder.write("file", setup_file_text(setup) + std::string(3 << 20, ' '));
+  windows.at(0ms, [&] { std::filesystem::resize_file(path, 2 << 20); });
+  setup.choose(Field::SPVOLU, 0);
+  open(path);
+  EXPECT_EQ(setup, ScannerSetup());
 }
 
 TEST_F(SetupFilesTest, a_cancelled_dialog_shows_nothing_and_a_failure_one_box) {
@@ -134,4 +145,4 @@ TEST(Symbols, stand_under_their_codes) {
 }
 
 }  // namespace
-}  // namespace orvex::test
+}  // namespace orvex::testing

@@ -64,6 +64,7 @@ TEST(Scanner, faults_do_what_they_say) {
     std::string first;
     std::string second;
   } table[]{{"silent=1", "", "5:\x06 10:2.0B\r\n "},
+            {"only=<FINGER", "5:\x06 10:2.0B\r\n ", "5:\x06 10:2.0B\r\n "},
             {"nak=1", "5:\x15 ", "5:\x06 10:2.0B\r\n "},
             {"lost-ack=1", "", "5:\x06 10:2.0B\r\n "},
             {"late-ack=700", "705:\x06 710:2.0B\r\n ", "705:\x06 710:2.0B\r\n "},
@@ -80,6 +81,12 @@ TEST(Scanner, faults_do_what_they_say) {
   Faults faults;
   for (const char* text : {"", "silence", "silent=", "silent=x", "silent=-1"}) {
     EXPECT_FALSE(set_fault(faults, text)) << text;
+  }
+  Scanner deaf;
+  ASSERT_TRUE(set_fault(deaf.faults, "ignored=1"));
+  for (const char* volume : {"HIGH", "LOW"}) {
+    EXPECT_EQ(answers(deaf, "\x01<SPVOLU=LOW>\x04"), "5:\x06 ");
+    EXPECT_EQ(deaf.parameters["SPVOLU"], volume);
   }
   faults.frame_without_end = true;
   Scanner scanner;

@@ -4,7 +4,7 @@
 
 #include "aftermath.h"
 
-namespace orvex::test {
+namespace orvex::testing {
 namespace {
 
 using simulator::always;
@@ -33,7 +33,7 @@ void at_bytes(Desk& desk, std::size_t bytes, std::function<void(Desk&)> action) 
 
 /// The receiver has nothing to say from a step on, but for these bytes.
 void turn_bad(Desk& desk, Step step, const char* says = "") {
-  desk.loading.script = {.turns_bad = step, .turns_bad_at = 2048, .says = says};
+  desk.loading.script = {.turns_bad = step, .turns_bad_at = 2048, .says = says, .takes_on = false};
 }
 
 const Fault faults[]{
@@ -41,6 +41,10 @@ const Fault faults[]{
     {"silence", "TIME OUT COUNT = 2", [](Desk& d) { d.scanner.faults.silent = always; }},
     {"ACK after 1.5 s", "- closed loaded restart box",
      [](Desk& d) { d.scanner.faults = {.late_acks = always, .late_by = 1500ms}; }},
+    {"ACK after 450 ms", loaded,
+     [](Desk& d) { d.scanner.faults = {.late_acks = always, .late_by = 445ms}; }},
+    {"ACK after 900 ms", "- closed loaded restart box",
+     [](Desk& d) { d.scanner.faults = {.late_acks = always, .late_by = 895ms}; }},
     {"load tag, ACK lost", "TIME OUT COUNT = 2",
      [](Desk& d) { d.scanner.faults = {.only = "<A1CODE", .lost_acks = always}; }},
     {"load tag, ACK after 1.5 s", loaded,
@@ -70,8 +74,8 @@ const Fault faults[]{
      [](Desk& d) { d.line.to_scanner.drop(Where::every(500)); }},
     {"every 500th byte to the scanner doubled", loaded,
      [](Desk& d) { d.line.to_scanner.duplicate(Where::every(500)); }},
-    {"every 40th byte to the tool flipped", "Error in App1 Rev record loaded restart",
-     [](Desk& d) { d.line.to_tool.flip(Where::every(40)); }},
+    {"every 43rd byte to the tool flipped", "- closed loaded restart box",
+     [](Desk& d) { d.line.to_tool.flip(Where::every(43)); }},
     {"the line to the tool held up for 2 s", loaded,
      [](Desk& d) { d.line.to_tool = simulator::LineDamage().delay(Where::at({40}), 2s); }},
     {"unplugged at the load tag", "TIME OUT COUNT = 0 closed box",
@@ -122,4 +126,4 @@ TEST(FaultTable, uploads_against_every_fault) {
 }
 
 }  // namespace
-}  // namespace orvex::test
+}  // namespace orvex::testing

@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include "testing/virtual/desk.h"
 #include "upgrade/image_header.h"
-#include "virtual/desk.h"
 
-namespace orvex::test {
+namespace orvex::testing {
 namespace {
 
 TEST(ImageHeader, is_cut_by_position_out_of_a_file_with_a_body) {
@@ -24,7 +24,9 @@ TEST(ImageHeader, is_cut_by_position_out_of_a_file_with_a_body) {
   EXPECT_THROW(Read_Image_Header(folder.path()), RunTimeError);
 }
 
-struct GuardsTest : testing::Test, Bench {};
+struct GuardsTest : ::testing::Test, LinkDesk {
+  GuardsTest() { forms.form3.Visible = true; }
+};
 
 TEST_F(GuardsTest, revisions_are_compared_as_the_numbers_of_all_their_digits) {
   constexpr int no_number = -1;
@@ -94,4 +96,4 @@ TEST_F(GuardsTest, a_fast_load_that_is_refused_leaves_the_port_and_saves_its_set
 }
 
 }  // namespace
-}  // namespace orvex::test
+}  // namespace orvex::testing

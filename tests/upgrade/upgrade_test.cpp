@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "virtual/desk.h"
+#include "testing/virtual/desk.h"
 
-namespace orvex::test {
+namespace orvex::testing {
 namespace {
 
 constexpr int load_item = 2;
@@ -14,7 +14,7 @@ const std::string cancel_question = "[Do you want to CANCEL the file transfer?]"
 const std::string restart_box =
     "[RESTART the scanner by DISCONNET and RECONNECT the power cable/then press OK to continue]";
 
-struct UpgradeTest : testing::Test, Desk {
+struct UpgradeTest : ::testing::Test, Desk {
   UpgradeTest() {
     start();
     line.frames.clear();
@@ -32,6 +32,10 @@ struct UpgradeTest : testing::Test, Desk {
 TEST_F(UpgradeTest, a_complete_load_ends_in_restart_scan_and_receive) {
   scanner.options.start_up_rate = 4800;
   windows.answers = {{Answer::ok, 3s}};
+  windows.box_is_up = [&](const MessageBox& box) {
+    EXPECT_EQ(form3().Visible, box.title != "Restart");
+    EXPECT_EQ(form3().Loaded && form3().ProgressBar1.Visible, false);
+  };
   Time ended{};
   loading.taken = [&] {
     if (loading.receiver.over) ended = now();
@@ -76,6 +80,11 @@ TEST_F(UpgradeTest, the_bar_and_the_pictures_follow_the_transfer) {
   EXPECT_EQ(form3().Picture1, 1) << "nineteen ticks over eighteen cells";
   windows.idle(7s);
   EXPECT_EQ(form3().ProgressBar1.Value, 6000);
+  press(&Program::Form3_Close);
+  scanner.restart();
+  load(6000);
+  windows.idle(150ms);
+  EXPECT_EQ(form3().Picture1, 1) << "each load begins anew";
 }
 
 TEST_F(UpgradeTest, a_cancel_in_any_phase_closes_the_window_and_leaves_a_link_that_works) {
@@ -85,6 +94,7 @@ TEST_F(UpgradeTest, a_cancel_in_any_phase_closes_the_window_and_leaves_a_link_th
     const char* slow;  ///< tag that is answered late, to hold the load there
     bool fast;
     const char* wire;
+    bool mark_turned = false;  ///< before the cancel
   } table[]{
       {"question", 50ms, "none", false, ""},
       {"query", 500ms, "<APP1RV:>", false, "<APP1RV:>"},
@@ -96,6 +106,8 @@ TEST_F(UpgradeTest, a_cancel_in_any_phase_closes_the_window_and_leaves_a_link_th
        "<APP1RV:><RSBAUD=115200><A1CODE=Z><RSBAUD=9600><RSBAUD=9600><RSBAUD=9600>"},
       {"transfer", 1s, "none", false, "<APP1RV:><A1CODE=Z>"},
       {"transfer, fast", 300ms, "none", true, "<APP1RV:><RSBAUD=115200><A1CODE=Z><RSBAUD=9600>"},
+      {"mark put on", 1s, "none", false, "<APP1RV:><A1CODE=Z>", true},
+      {"mark taken off", 300ms, "none", true, "<APP1RV:><RSBAUD=115200><A1CODE=Z>", true},
   };
   for (const auto& row : table) {
     SCOPED_TRACE(row.phase);
@@ -106,13 +118,16 @@ TEST_F(UpgradeTest, a_cancel_in_any_phase_closes_the_window_and_leaves_a_link_th
     desk.scanner.faults = {.only = row.slow, .late_acks = 1, .late_by = 900ms};
     desk.windows.files = {desk.folder.write("image.bin", random_image(20000, 1))};
     desk.windows.answers = {{Answer::yes, 100ms}, {Answer::yes}};
-    desk.windows.at(desk.now() + row.at, [&] { desk.program.Form3_Command1_Click(); });
+    desk.windows.at(desk.now() + row.at, [&] {
+      if (row.mark_turned) desk.program.mnuload_Click(fast_item);
+      desk.program.Form3_Command1_Click();
+    });
     desk.press(&Program::mnuload_Click, load_item);
     desk.windows.idle(20s);
     EXPECT_FALSE(desk.program.forms.form3.Loaded);
     EXPECT_EQ(desk.windows.box_texts(), question + cancel_question);
     EXPECT_EQ(desk.line.texts(), row.wire);
-    EXPECT_EQ(desk.line.settings.baud, 9600);
+    EXPECT_EQ(desk.line.settings.baud, row.fast && row.mark_turned ? 115200 : 9600);
     EXPECT_EQ(desk.loading.receiver.cancelled, desk.loading.started == 1);
     desk.scanner.faults = {};
     desk.scanner.restart();
@@ -135,14 +150,34 @@ TEST_F(UpgradeTest, a_cancel_while_all_settles_is_one_all_the_same) {
   EXPECT_EQ(line.settings.baud, 9600);
 }
 
-TEST_F(UpgradeTest, a_cancel_stays_one_where_the_revision_turns_out_to_be_no_number) {
-  scanner.faults = {.only = "<APP1RV:>", .late_acks = 1, .late_by = 900ms};
-  windows.files = {folder.write("image.bin", random_image(2000, 1, "four   "))};
-  windows.answers = {{Answer::yes, 100ms}, {Answer::yes}};
-  windows.at(now() + 500ms, [&] { program.Form3_Command1_Click(); });
-  press(&Program::mnuload_Click, load_item);
-  EXPECT_EQ(windows.box_texts(), question + cancel_question);
-  EXPECT_FALSE(form3().Loaded);
+TEST_F(UpgradeTest, a_load_that_the_user_has_left_asks_nothing_more_and_says_nothing) {
+  const struct {
+    const char* name;
+    const char* slow;     ///< tag in whose exchange the user leaves
+    const char* version;  ///< of the image
+  } table[]{{"a revision that is no number", "<APP1RV:>", "four   "},
+            {"an older revision", "<APP1RV:>", "1.00   "},
+            {"a port that refuses the rate", "<RSBAUD=115200>", "4.00   "}};
+  for (const auto& row : table) {
+    for (const auto leave : {&Program::Form3_Command1_Click, &Program::Form3_Close}) {
+      SCOPED_TRACE(row.name);
+      Desk desk;
+      desk.start();
+      desk.press(&Program::mnuload_Click, fast_item);
+      desk.scanner.faults = {.only = row.slow, .late_acks = 1, .late_by = 900ms};
+      desk.windows.files = {desk.folder.write("image.bin", random_image(2000, 1, row.version))};
+      desk.windows.answers = {{Answer::yes, 100ms}, {Answer::yes}};
+      desk.windows.at(desk.now() + 500ms, [&] {
+        desk.line.refuses_settings = true;
+        (desk.program.*leave)();
+      });
+      desk.press(&Program::mnuload_Click, load_item);
+      EXPECT_EQ(desk.windows.box_texts(),
+                question + (leave == &Program::Form3_Close ? "" : cancel_question));
+      EXPECT_FALSE(desk.program.forms.form3.Loaded);
+      EXPECT_EQ(desk.loading.started, 0);
+    }
+  }
 }
 
 TEST_F(UpgradeTest, the_scan_behind_a_load_takes_an_open_about_box_for_itself) {
@@ -212,15 +247,37 @@ TEST_F(UpgradeTest, ends_before_the_transfer_close_the_window_and_say_no_more_th
   EXPECT_EQ(line.settings.baud, 115200) << "nothing sets the rate back behind a refused load tag";
 }
 
-TEST_F(UpgradeTest, an_image_that_goes_before_the_transfer_ends_in_a_box) {
-  windows.answers = {{Answer::yes}};
-  windows.at(now() + 10ms, [&] { std::filesystem::remove(folder / "image.bin"); });
-  load(500);
-  EXPECT_EQ(windows.box_texts(), question + "[Error # 53 File not found]");
-  EXPECT_TRUE(form3().Loaded) << "the verdict closes it";
-  windows.idle(10s);
-  EXPECT_FALSE(form3().Loaded);
-  EXPECT_EQ(windows.boxes.size(), 2U);
+TEST_F(UpgradeTest, a_transfer_that_cannot_begin_shows_the_box_of_its_error) {
+  const struct {
+    int number;  ///< 0 where the image goes before the transfer
+    const char* box;
+    Icon icon;
+    const char* title;
+  } table[]{
+      {0, "[Error # 53 File not found]", Icon::critical, "Error"},
+      {55, "[Cannot copy an open file. Close it and try again.]", Icon::information, "Note"},
+      {71, "[Cannot open the drive]", Icon::information, "Note"},
+      {76, "[Cannot open the drive]", Icon::information, "Note"},
+      {70, "[Error # 70 none]", Icon::critical, "Error"},
+  };
+  for (const auto& row : table) {
+    SCOPED_TRACE(row.number);
+    Desk desk;
+    desk.start();
+    if (row.number != 0) desk.loading.refusal = {row.number, "none"};
+    if (row.number == 0) {
+      desk.windows.at(desk.now() + 10ms,
+                      [&] { std::filesystem::remove(desk.folder / "image.bin"); });
+    }
+    desk.load(random_image(500, 1), false);
+    EXPECT_EQ(desk.windows.box_texts(), question + row.box);
+    EXPECT_EQ(desk.windows.boxes.back().box.icon, row.icon);
+    EXPECT_EQ(desk.windows.boxes.back().box.title, row.title);
+    EXPECT_TRUE(desk.program.forms.form3.Loaded) << "the verdict closes it";
+    desk.windows.idle(10s);
+    EXPECT_FALSE(desk.program.forms.form3.Loaded);
+    EXPECT_EQ(desk.windows.boxes.size(), 2U);
+  }
 }
 
 TEST_F(UpgradeTest, nothing_else_starts_while_a_load_runs) {
@@ -233,7 +290,8 @@ TEST_F(UpgradeTest, nothing_else_starts_while_a_load_runs) {
   }
   press(&Program::mnuload_Click, load_item);
   EXPECT_EQ(line.frames.size(), before);
-  EXPECT_EQ(windows.dialog_titles.size(), 1U);
+  EXPECT_EQ(windows.dialogs,
+            std::vector<std::string>{"Select a BIN file|All files|BIN Files (*.bin)"});
   EXPECT_EQ(buttons(), "SRFW");
   windows.idle(20s);
   EXPECT_EQ(scanner.loaded_file().size(), 4000U);
@@ -269,7 +327,25 @@ TEST_F(UpgradeTest, the_process_can_end_at_any_moment_of_a_load) {
   }
 }
 
-struct UploadWindowTest : testing::Test, Bench {
+TEST_F(UpgradeTest, an_exit_gives_the_cancel_its_time_while_the_mouse_moves) {
+  for (const auto leave : {&Program::mnuexit_Click, &Program::Form_Unload}) {
+    Desk desk;
+    desk.scanner.rate(1200);
+    desk.start();
+    desk.load(random_image(20000, 1), false);
+    const Time moment = desk.now() + 2s;
+    desk.windows.at(moment, [&] {
+      for (Time at = moment; at < moment + 200ms; at += 1ms) desk.windows.at(at, [] {});
+      (desk.program.*leave)();
+    });
+    desk.windows.idle(3s);
+    EXPECT_TRUE(desk.windows.ended);
+    EXPECT_TRUE(desk.loading.receiver.cancelled) << "the receiver never hears of the exit";
+    EXPECT_LE(desk.now(), moment + 150ms);
+  }
+}
+
+struct UploadWindowTest : ::testing::Test, LinkDesk {
   Upgrade upgrade{link, {}};
 };
 
@@ -285,18 +361,54 @@ TEST_F(UploadWindowTest, a_count_never_overshoots_and_none_is_never_complete) {
   EXPECT_EQ(bar.Value, 1);
 }
 
-TEST_F(UploadWindowTest, one_byte_is_missed_where_a_float_would_take_it_for_all) {
-  constexpr std::int32_t all_but_one = 1 << 25;
-  MSComm1.FileName(folder.write("image.bin", "x"));
-  std::filesystem::resize_file(folder / "image.bin", all_but_one + 1);
-  MSComm1.Protocol(5);
-  MSComm1.FileSendOn(true);
-  forms.form3.Loaded = true;
-  const ProgressBar& bar = forms.form3.ProgressBar1;
-  upgrade.FileProgress(all_but_one);
-  EXPECT_LT(bar.Value, bar.Max);
-  upgrade.FileProgress(all_but_one + 1);
-  EXPECT_EQ(bar.Value, bar.Max);
+/// An engine that stands where the test sets it.
+class StillEngine final : public FileEngine {
+ public:
+  StillEngine(const std::uint64_t& done, std::uint64_t total) : done_(done), total_(total) {}
+  void receive(std::string_view /*bytes*/, Time /*now*/) override {}
+  void tick(Time /*now*/) override {}
+  bool take_discard() override { return false; }
+  std::string transmit(std::size_t /*room*/, Time /*now*/) override { return {}; }
+  std::size_t most_unsent() const override { return 1; }
+  std::optional<Time> wake() const override { return std::nullopt; }
+  void cancel(Time /*now*/) override {}
+  State state() const override { return State::running; }
+  bool finished() const override { return false; }
+  std::uint64_t progress() const override { return done_; }
+  std::uint64_t total() const override { return total_; }
+  std::string_view reason() const override { return {}; }
+
+ private:
+  const std::uint64_t& done_;
+  std::uint64_t total_;
+};
+
+TEST_F(UploadWindowTest, the_bar_is_full_only_when_all_is_done_up_to_4_gib) {
+  // The numbers of the bar are floats, those of the serial control have 32 bits with a sign.
+  for (const std::uint64_t total : {0x2000001U, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFFU}) {
+    std::uint64_t done = 0;
+    ScannerLink still(windows, line,
+                      [&](const std::filesystem::path&, int, Time) {
+                        return std::make_unique<StillEngine>(done, total);
+                      },
+                      {});
+    Upgrade watched(still, {});
+    still.MSComm1.FileProgress = [&](std::int32_t count) { watched.FileProgress(count); };
+    still.MSComm1.Protocol(5);
+    still.MSComm1.FileSendOn(true);
+    still.forms.form3.Loaded = true;
+    const ProgressBar& bar = still.forms.form3.ProgressBar1;
+    for (const std::uint64_t part : {total / 2, total - 1}) {
+      done = part;
+      still.MSComm1.run();
+      EXPECT_NEAR(bar.Value / bar.Max, static_cast<double>(part) / static_cast<double>(total),
+                  1e-5);
+      EXPECT_LT(bar.Value, bar.Max) << total;
+    }
+    done = total;
+    still.MSComm1.run();
+    EXPECT_EQ(bar.Value, bar.Max) << total;
+  }
 }
 
 TEST_F(UploadWindowTest, the_data_events_are_off_while_it_stands_and_come_back) {
@@ -311,4 +423,4 @@ TEST_F(UploadWindowTest, the_data_events_are_off_while_it_stands_and_come_back) 
 }
 
 }  // namespace
-}  // namespace orvex::test
+}  // namespace orvex::testing

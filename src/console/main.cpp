@@ -1,0 +1,9 @@
+#include <QCoreApplication>
+
+#include "console/run.h"
+#include "platform/platform.h"
+
+int main(int argc, char* argv[]) {
+  const QCoreApplication application(argc, argv);
+  return orvex::run_program(orvex::platform::arguments(argc, argv));
+}

@@ -136,7 +136,8 @@ void upload(Random& random, Tally& tally) {
           tally);
   require(!complete || desk.loading.receiver.file == image, "a complete load that is whole", tally);
   require(complete || !accepted, "an accepted file that the tool knows of", tally);
-  require(damaged || (accepted && complete), "a good line that loads", tally);
+  require(complete, "a load that arrives", tally);
+  require(damaged || accepted, "a good line that takes leave", tally);
 }
 
 long resident_kib() {

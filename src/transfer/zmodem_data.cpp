@@ -45,13 +45,17 @@ void ZmodemData::on_position(std::uint32_t place, Time now) {
   if (place > transfer_.size) {
     return transfer_.fail("the scanner asked for data beyond the end of the file");
   }
-  const bool news = place > transfer_.gained;
-  const bool took_it_in_silence = silences_ > 0 && news && !transfer_.receiver.segmented();
+  const bool news = place > transfer_.confirmed;
+  const bool took_it_in_silence = answers(ZmodemAnswers::not_known) && silences_ > 0 && news &&
+                                  !transfer_.receiver.segmented();
   if (took_it_in_silence) transfer_.answers = ZmodemAnswers::to_nothing;
-  if (answers(ZmodemAnswers::guessed)) transfer_.answers = ZmodemAnswers::to_waits;
+  if (answers(ZmodemAnswers::guessed)) transfer_.answers = ZmodemAnswers::not_known;
   const bool out_of_step = news && (silences_ > 0 || guesses_ > 0);
   gain(place, now);
-  if (!out_of_step) return send_again_from(place, now);
+  if (!out_of_step) {
+    if (!transfer_.window.is_echo(place, now)) send_again_from(place, now);
+    return;
+  }
   transfer_.wire.discard();
   transfer_.window.restart_at(place, now);
   frames_.close();
@@ -81,7 +85,7 @@ void ZmodemData::on_acknowledged(std::uint32_t place, Time now) {
 }
 
 void ZmodemData::gain(std::uint64_t place, Time now) {
-  if (place <= transfer_.gained) return;
+  if (place <= transfer_.confirmed) return;
   guesses_ = 0;
   silences_ = 0;
   transfer_.gain(place);
@@ -105,6 +109,7 @@ bool ZmodemData::count_loss(std::uint64_t place) {
 }
 
 void ZmodemData::on_damaged(Time now) {
+  if (answers(ZmodemAnswers::not_known)) transfer_.answers = ZmodemAnswers::to_waits;
   const bool waiting = !frames_.open() && !may_send();
   if (waiting && guesses_ < most_guesses) {
     ++guesses_;
@@ -180,7 +185,9 @@ void ZmodemData::handed_over(Time left, bool) {
   if (!answers(ZmodemAnswers::to_nothing)) return;
   const std::uint64_t sent = transfer_.window.offset();
   const std::uint64_t held_back = possibly_under_way + transfer_.wire.size();
-  if (sent > held_back + transfer_.gained) gain(sent - held_back, left);
+  if (sent <= held_back + transfer_.gained) return;
+  transfer_.gained = sent - held_back;
+  clock_.gained(transfer_.gained, true, left);
 }
 
 }  // namespace orvex

@@ -29,7 +29,7 @@ void ZmodemDataClock::gained(std::uint64_t place, bool owes_more, Time now) {
   owed_since_ = now;
   quiet_since_ = now;
   again_ = now + again_after;
-  if (place < pace_mark_ + pace_bytes) return;
+  if (place >= pace_mark_ && place < pace_mark_ + pace_bytes) return;
   pace_mark_ = place;
   pace_by_ = now + pace_limit;
 }

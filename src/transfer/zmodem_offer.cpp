@@ -53,7 +53,7 @@ void ZmodemOffer::on_position(std::uint32_t place, Time now) {
   if (place > transfer_.size) {
     return transfer_.fail("the scanner asked for data beyond the end of the file");
   }
-  transfer_.answers = ZmodemAnswers::to_waits;
+  transfer_.answers = ZmodemAnswers::not_known;
   transfer_.gain(place);
   transfer_.window.restart_at(place, now);
   transfer_.step = ZmodemStep::data;

@@ -1,5 +1,7 @@
 #include "transfer/zmodem_transfer.h"
 
+#include <algorithm>
+
 namespace orvex {
 namespace {
 
@@ -19,8 +21,9 @@ bool ZmodemTransfer::meet(const ZmodemHeader& zrinit) {
 }
 
 void ZmodemTransfer::gain(std::uint64_t place) {
-  if (place <= gained) return;
-  gained = place;
+  if (place <= confirmed) return;
+  confirmed = place;
+  gained = std::max(gained, place);
   retry.gained(place);
   end_by.reset();
 }

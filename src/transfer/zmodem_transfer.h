@@ -20,7 +20,8 @@ enum class ZmodemStep { greeting, offer, data, file_end, farewell, over };
 /// What this receiver is known to answer within the file.
 enum class ZmodemAnswers {
   guessed,      ///< its answer to ZFILE was damaged, and taken for a ZRPOS
-  to_waits,     ///< ZCRCW, as every receiver does; so it is at first
+  not_known,    ///< so it is at first
+  to_waits,     ///< ZCRCW, as every receiver does
   to_requests,  ///< ZCRCQ as well
   to_nothing,   ///< it took data without a word
 };
@@ -33,7 +34,7 @@ struct ZmodemTransfer {
 
   /// Takes what a ZRINIT announces; false where that can't be served, which ends the transfer.
   bool meet(const ZmodemHeader& zrinit);
-  /// The receiver has all bytes before `place`.
+  /// The receiver says that it has all bytes before `place`.
   void gain(std::uint64_t place);
 
   /// The receiver has confirmed the end of the file.
@@ -55,10 +56,11 @@ struct ZmodemTransfer {
   ZmodemStep step = ZmodemStep::greeting;
   FileEngine::State state = FileEngine::State::running;
   std::string_view reason;
-  std::uint64_t gained = 0;    ///< the most the receiver is known to have
-  std::optional<Time> end_by;  ///< when the end has to be confirmed, once ZEOF went out
-  int offers = 0;              ///< ZFILEs sent
-  ZmodemAnswers answers = ZmodemAnswers::to_waits;
+  std::uint64_t confirmed = 0;  ///< the most the receiver has said that it has
+  std::uint64_t gained = 0;     ///< the most it may be taken to have; not less than confirmed
+  std::optional<Time> end_by;   ///< when the end has to be confirmed, once ZEOF went out
+  int offers = 0;               ///< ZFILEs sent
+  ZmodemAnswers answers = ZmodemAnswers::not_known;
 };
 
 }  // namespace orvex

@@ -13,6 +13,8 @@ constexpr Time first_run = std::chrono::milliseconds(1400);
 constexpr Time longest_run = 2 * first_run;
 constexpr std::size_t largest = 32768;
 constexpr std::int64_t at_system = 1024;  // bytes
+/// A ZDATA with its smallest piece is 48 bytes long, the complaint about it 21.
+constexpr std::int64_t out_and_back = 64;
 
 Time byte_time(std::uint32_t bits_per_second) {
   return Time(std::chrono::seconds(10)) / (bits_per_second == 0 ? usual_rate : bits_per_second);
@@ -37,6 +39,11 @@ void ZmodemWindow::restart_at(std::uint64_t place, Time now) {
   outruns_rate_ = false;
   disturbed_ = true;
   busy_until_ = now;
+  heard_from_ = now + byte_time_ * out_and_back;
+}
+
+bool ZmodemWindow::is_echo(std::uint64_t place, Time now) {
+  return place == acknowledged_ && now < std::exchange(heard_from_, Time{});
 }
 
 void ZmodemWindow::sent(std::size_t length, bool answer_asked) {

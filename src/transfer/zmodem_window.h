@@ -24,6 +24,9 @@ class ZmodemWindow {
 
   /// Sends from `place`, which the receiver asked for; what was under way counts as gone.
   void restart_at(std::uint64_t place, Time now);
+  /// Whether `place` is asked for where the last restart was, and too soon for a word about what
+  /// went out since: the receiver says the same thing twice. True once for each restart.
+  bool is_echo(std::uint64_t place, Time now);
   /// Goes back to what the receiver has acknowledged.
   void go_back() { offset_ = asked_ = acknowledged_; }
   void sent(std::size_t length, bool answer_asked);
@@ -73,6 +76,7 @@ class ZmodemWindow {
   bool outruns_rate_ = false;
   bool disturbed_ = false;  // what stands on the line before the next answer is not known
   Time busy_until_{};       // by the rate of the line
+  Time heard_from_{};       // before, the receiver can't speak of what went out since the restart
   std::uint64_t offset_ = 0;
   std::uint64_t asked_ = 0;  // the last answer asked for covers the bytes before this
   std::uint64_t acknowledged_ = 0;

@@ -127,6 +127,7 @@ TEST(ZmodemSender, every_line_and_every_loader_gets_the_file_in_its_time) {
       {"the same, keeps 1 kB", 64, 22, {.erase_time = 15s, .erases = 9, .keeps = 1024}},
       {"erases 35 s", 64, 41, {.erase_time = 35s}},
       {"erases 35 s at each ZFILE", 64, 41, {.erase_time = 35s, .erases = 9}},
+      {"deep, asks twice after 35 s", 64, 41, {.erase_time = 35s}, {}, {}, {}, 4096},
       {"never answers a request", 64, 6, {.answers_requests = false}},
       {"answers nothing within the file",
        64,
@@ -159,6 +160,10 @@ TEST(ZmodemSender, no_rhythm_and_no_chance_of_damage_on_a_deep_line_keeps_a_file
   for (std::uint32_t seed = 1; seed <= 16; ++seed) {
     SCOPED_TRACE(seed);
     course.there = {.flip_one_in = 1000, .seed = seed};
+    course.back = {};
+    expect_complete(send(data, course), data);
+    course.there = {.flip_one_in = 256, .seed = seed};
+    course.back = {.flip_one_in = 32, .seed = seed};
     expect_complete(send(data, course), data);
   }
 }

@@ -46,8 +46,8 @@ void ZmodemData::on_position(std::uint32_t place, Time now) {
     return transfer_.fail("the scanner asked for data beyond the end of the file");
   }
   const bool news = place > transfer_.confirmed;
-  const bool took_it_in_silence = answers(ZmodemAnswers::not_known) && silences_ > 0 && news &&
-                                  !transfer_.receiver.segmented();
+  const bool took_it_in_silence =
+      answers(ZmodemAnswers::not_known) && silences_ > 0 && news && !transfer_.receiver.segmented();
   if (took_it_in_silence) transfer_.answers = ZmodemAnswers::to_nothing;
   if (answers(ZmodemAnswers::guessed)) transfer_.answers = ZmodemAnswers::not_known;
   const bool out_of_step = news && (silences_ > 0 || guesses_ > 0);

@@ -36,7 +36,8 @@ Outcome run_load(Session& session, const Options& options) {
   Load load(session);
   load.send(options);
   const auto before = session.reply("<APP1RV:>");
-  const int bytes = session.link.MSComm1.FileTotal();
+  std::error_code unknown;
+  const auto bytes = static_cast<qint64>(std::filesystem::file_size(options.file, unknown));
   const double seconds = rounded_to_ms(load.transfer_seconds());
   load.await_restart(options.restart_wait, revision);
   const auto after = session.reply("<APP1RV:>");

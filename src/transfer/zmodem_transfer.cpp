@@ -30,6 +30,7 @@ void ZmodemTransfer::gain(std::uint64_t place) {
 
 void ZmodemTransfer::complete() {
   state = FileEngine::State::complete;
+  favours = {};
   step = ZmodemStep::farewell;
   wire.keep_sent();
 }
@@ -37,6 +38,7 @@ void ZmodemTransfer::complete() {
 void ZmodemTransfer::part(std::string_view why) {
   state = FileEngine::State::failed;
   reason = why;
+  favours = {};
   step = ZmodemStep::farewell;
   wire.discard();
 }

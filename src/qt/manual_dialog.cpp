@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "loop/text.h"
+#include "qt/plain_tips.h"
 #include "qt/screen_room.h"
 
 namespace orvex {
@@ -82,7 +83,7 @@ void ManualDialog::add_port_tips() {
         for (int item = 0; item < ports->count(); ++item) {
           const std::string& path = tips.at(static_cast<std::size_t>(item));
           const QString tip =
-              path.empty() ? QString("No device") : QString::fromLocal8Bit(path.c_str());
+              path.empty() ? QString("No device") : tip_of(QString::fromLocal8Bit(path.c_str()));
           ports->setItemData(item, tip, Qt::ToolTipRole);
           if (item == chosen) ports->setToolTip(tip);
         }

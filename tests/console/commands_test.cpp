@@ -1,6 +1,7 @@
 // Commands on the virtual clock: what a scanner leaves out, and the courses that take long.
 #include <gtest/gtest.h>
 
+#include "console/progress_line.h"
 #include "console/trace.h"
 #include "tests/console/virtual_console.h"
 
@@ -139,6 +140,24 @@ TEST(Escape, leaves_no_control_character_in_json_or_on_a_terminal) {
   const QString text = QString::fromLatin1("a\x1B\x7F\x9B\n\\\xE9");
   EXPECT_EQ(printable(text).toStdString(), "a\\x1B\\x7F\\x9B\\x0A\\\\é");
   EXPECT_EQ(json_of({{"a", text}}).toStdString(), "{\"a\":\"a\\u001b\\u007f\\u009b\\n\\\\é\"}\n");
+}
+
+TEST(ProgressLine, counts_its_rate_anew_for_each_transfer_and_is_cleared_once) {
+  ProgressLine line;
+  const std::string clear = "\r\x1B[K";
+  const auto numbers = [&](double done, Time now) {
+    const auto text = line.draw(done, 1000, now);
+    return text.empty() ? text : text.substr(text.find("] ") + 2);
+  };
+  EXPECT_EQ(line.draw(0, 0, 0s), "");
+  for (const Time start : {Time(1s), Time(60s)}) {
+    EXPECT_EQ(numbers(0, start), "  0 %  0 bytes/s\x1B[K");
+    EXPECT_EQ(numbers(10, start + 99ms), "");
+    EXPECT_EQ(numbers(250, start + 500ms), " 25 %  500 bytes/s\x1B[K");
+    EXPECT_EQ(numbers(1000, start + 501ms), "100 %  1996 bytes/s\x1B[K");
+    EXPECT_EQ(line.draw(0, 0, start + 502ms), clear);
+    EXPECT_EQ(line.draw(0, 0, start + 503ms), "");
+  }
 }
 
 }  // namespace

@@ -41,6 +41,7 @@ TEST_F(UpgradeTest, a_complete_load_ends_in_restart_scan_and_receive) {
     if (loading.receiver.over) ended = now();
   };
   load(2000);
+  const Time started = now();
   EXPECT_EQ(form3().Text1, " 00001234");
   EXPECT_EQ(form3().Text2, " BEEF");
   EXPECT_EQ(form3().Text3, " 4.00   ");
@@ -55,6 +56,7 @@ TEST_F(UpgradeTest, a_complete_load_ends_in_restart_scan_and_receive) {
   EXPECT_EQ(windows.boxes[1].box.title, "Restart");
   EXPECT_GE(windows.boxes[1].at - ended, 7s);
   EXPECT_LE(windows.boxes[1].at - ended, 8s);
+  EXPECT_EQ((windows.boxes[1].at - started) % 1s, 0s) << "looked at each second, and 7 s later";
   EXPECT_FALSE(form3().Loaded);
   EXPECT_EQ(panel(1), "Settings: 4800,N,8,1  Com Port: 1");
   EXPECT_EQ(form1().labRevision[1].Caption, " 4.00   ");

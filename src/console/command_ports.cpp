@@ -5,7 +5,7 @@
 #include "console/commands.h"
 #include "console/session.h"
 #include "loop/serial_devices.h"
-#include "platform/platform.h"
+#include "platform/ports.h"
 
 namespace orvex {
 namespace {

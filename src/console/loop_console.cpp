@@ -3,7 +3,7 @@
 #include <cstdio>
 
 #include "console/escape.h"
-#include "platform/platform.h"
+#include "platform/process.h"
 
 namespace orvex {
 
@@ -29,7 +29,7 @@ bool LoopConsole::can_ask() const {
 bool LoopConsole::ask(const QString& question) {
   const QByteArray text = (printable(question) + " [y/N] ").toUtf8();
   std::fputs(text.constData(), stderr);
-  const auto answer = platform::read_line(end_request);
+  const auto answer = platform::read_line();
   if (!answer) {
     std::fputs("\n", stderr);
     loop.pump(Wait::no);  // hears of a request to end

@@ -23,8 +23,6 @@ class LoopConsole final : public Console, private Screen {
   bool ask(const QString& question) override;
 
   EventLoop loop{*this};
-  /// Becomes readable when the process is to end; -1 where there is no such thing.
-  int end_request = -1;
 
  private:
   void deliver(Wait wait) override { loop.pump(wait); }

@@ -1,7 +1,7 @@
 #include <QCoreApplication>
 
 #include "console/run.h"
-#include "platform/platform.h"
+#include "platform/process.h"
 
 int main(int argc, char* argv[]) {
   const QCoreApplication application(argc, argv);

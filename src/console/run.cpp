@@ -1,10 +1,8 @@
 #include "console/run.h"
 
-#include <QSocketNotifier>
 #include <algorithm>
 #include <cstdio>
 #include <memory>
-#include <optional>
 
 #include "base/run_time_error.h"
 #include "console/commands.h"
@@ -13,8 +11,10 @@
 #include "console/session.h"
 #include "console/setup_file.h"
 #include "console/trace.h"
+#include "loop/end_request.h"
 #include "loop/local_line.h"
-#include "platform/platform.h"
+#include "platform/ports.h"
+#include "platform/process.h"
 #include "transfer/image_source.h"
 #include "transfer/zmodem_sender.h"
 
@@ -45,18 +45,12 @@ Outcome run_command(const Options& options, LoopConsole& console) {
   const auto trace = open_trace(console, options.trace);
   const auto line = make_local_line(console.loop, platform::state_folder(), device_of(options));
   Session session(console, *line, make_sender, platform::state_folder(), trace.get());
-  console.end_request = platform::end_request();
-  std::optional<QSocketNotifier> end_request;
-  if (console.end_request >= 0) {
-    end_request.emplace(console.end_request, QSocketNotifier::Read);
-    QObject::connect(&*end_request, &QSocketNotifier::activated, &console.loop, [&] {
-      end_request->setEnabled(false);
-      console.loop.handle([&] {
-        session.leave();
-        console.end();
-      });
+  on_end_request(console.loop, [&] {
+    console.loop.handle([&] {
+      session.leave();
+      console.end();
     });
-  }
+  });
   const auto command = std::ranges::find(commands(), options.command, &Command::name);
   Outcome outcome = command->run(session, options);
   session.leave();

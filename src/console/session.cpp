@@ -8,7 +8,6 @@
 #include "discovery/manual_port.h"
 #include "link/port_store.h"
 #include "loop/text.h"
-#include "platform/platform.h"
 #include "setup/apply.h"
 #include "setup/setup_jobs.h"
 
@@ -181,7 +180,7 @@ Failure Session::failed(const QString& what) const {
 Failure Session::not_available(const RunTimeError& error) const {
   QString cause = QString::fromLocal8Bit(error.text.c_str());
   const std::string device = link.MSComm1.device();
-  if (cause.startsWith("held by") && !platform::has_odd_lock(device)) {
+  if (cause.startsWith("held by")) {
     const QString holder = holder_of(device);
     if (!holder.isEmpty()) cause = "held by " + holder;
   }

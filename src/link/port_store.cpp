@@ -5,7 +5,7 @@
 #include <string>
 
 #include "base/number.h"
-#include "platform/platform.h"
+#include "platform/files.h"
 
 namespace orvex {
 namespace {

@@ -1,8 +1,8 @@
 #include <QApplication>
 #include <QIcon>
-#include <QSocketNotifier>
 
-#include "platform/platform.h"
+#include "loop/end_request.h"
+#include "platform/ports.h"
 #include "qt/desktop.h"
 #include "qt/focus_style.h"
 
@@ -19,9 +19,7 @@ int main(int argc, char* argv[]) {
   QApplication::setWindowIcon(icon);
   orvex::Desktop desktop(orvex::platform::state_folder());
   // A logout closes the port like the window's own close does.
-  QSocketNotifier end_request(orvex::platform::end_request(), QSocketNotifier::Read);
-  QObject::connect(&end_request, &QSocketNotifier::activated, &application, [&] {
-    end_request.setEnabled(false);
+  orvex::on_end_request(application, [&desktop] {
     desktop.windows.handle([&] { desktop.program.Form_Unload(); });
   });
   return desktop.run();

@@ -5,7 +5,7 @@
 
 #include "base/run_time_error.h"
 #include "link/frame.h"
-#include "platform/platform.h"
+#include "platform/files.h"
 #include "setup/apply.h"
 
 namespace orvex {

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "base/run_time_error.h"
-#include "platform/platform.h"
+#include "platform/files.h"
 
 namespace orvex {
 namespace {

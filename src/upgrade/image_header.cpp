@@ -1,7 +1,7 @@
 #include "upgrade/image_header.h"
 
 #include "base/run_time_error.h"
-#include "platform/platform.h"
+#include "platform/files.h"
 
 namespace orvex {
 

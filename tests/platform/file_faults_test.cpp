@@ -13,7 +13,7 @@
 
 #include "base/run_time_error.h"
 #include "link/port_store.h"
-#include "platform/platform.h"
+#include "platform/files.h"
 #include "testing/virtual/temporary_folder.h"
 
 namespace orvex::testing {

@@ -1,4 +1,5 @@
-#include "platform/platform.h"
+#include "platform/files.h"
+#include "platform/ports.h"
 
 #include <grp.h>
 #include <gtest/gtest.h>

@@ -3,9 +3,12 @@
 #include <QLockFile>
 #include <QStringList>
 
+#include "platform/linux_ports.h"
+
 namespace orvex {
 
 QString holder_of(const std::string& device) {
+  if (platform::has_odd_lock(device)) return {};
   // Where serial ports are locked by custom, the first of them that is there being used.
   static const QStringList folders{"/var/lock", "/etc/locks", "/var/spool/locks", "/var/spool/uucp",
                                    "/tmp",      "/var/tmp",   "/run/lock"};

@@ -11,12 +11,12 @@
 namespace orvex {
 
 /// A serial line of the machine through Qt SerialPort.
-class QtLine final : public QObject, public Line {
+class LinuxLine final : public QObject, public Line {
  public:
   /// `loop` must outlive the line. `links` is the folder of the links com1, com2 and so on; unless
   /// it is empty, `device` stands for every port in their place.
-  QtLine(EventLoop& loop, std::filesystem::path links, std::string device = {});
-  ~QtLine() override;
+  LinuxLine(EventLoop& loop, std::filesystem::path links, std::string device = {});
+  ~LinuxLine() override;
 
   void listen(Listener& listener) override { listener_ = &listener; }
   void open(int com_port, const LineSettings& settings) override;

@@ -1,11 +1,12 @@
-#include "loop/qt_line.h"
+#include "loop/linux_line.h"
 
 #include <utility>
 
 #include "base/run_time_error.h"
 #include "loop/local_line.h"
 #include "loop/text.h"
-#include "platform/platform.h"
+#include "platform/linux_ports.h"
+#include "platform/ports.h"
 
 namespace orvex {
 namespace {
@@ -32,7 +33,7 @@ QSerialPort::Parity parity_of(Parity parity) {
 
 }  // namespace
 
-QtLine::QtLine(EventLoop& loop, std::filesystem::path links, std::string device)
+LinuxLine::LinuxLine(EventLoop& loop, std::filesystem::path links, std::string device)
     : loop_(loop), links_(std::move(links)), device_(std::move(device)) {
   port_.setReadBufferSize(in_buffer_size);
   connect(&port_, &QSerialPort::readyRead, this, [this] {
@@ -45,14 +46,14 @@ QtLine::QtLine(EventLoop& loop, std::filesystem::path links, std::string device)
       if (open_) listener_->bytes_sent();
     });
   });
-  connect(&port_, &QSerialPort::errorOccurred, this, &QtLine::error_occurred);
+  connect(&port_, &QSerialPort::errorOccurred, this, &LinuxLine::error_occurred);
 }
 
-QtLine::~QtLine() {
+LinuxLine::~LinuxLine() {
   close();
 }
 
-void QtLine::open(int com_port, const LineSettings& settings) {
+void LinuxLine::open(int com_port, const LineSettings& settings) {
   close();
   const std::string path = device_path(com_port);
   const auto kind = platform::kind_of_device(path);
@@ -83,7 +84,7 @@ void QtLine::open(int com_port, const LineSettings& settings) {
   if (!open_) throw not_available("unplugged");
 }
 
-QString QtLine::cause_of_refusal(const std::string& path) const {
+QString LinuxLine::cause_of_refusal(const std::string& path) const {
   const std::string right = platform::missing_right(path);
   if (!right.empty()) return to_qt(right);
   switch (port_.error()) {
@@ -96,7 +97,7 @@ QString QtLine::cause_of_refusal(const std::string& path) const {
   }
 }
 
-void QtLine::close() {
+void LinuxLine::close() {
   if (!port_.isOpen()) return;
   open_ = false;
   // What the line no longer takes would hold the close up.
@@ -104,11 +105,11 @@ void QtLine::close() {
   port_.close();
 }
 
-std::string QtLine::device_path(int com_port) const {
+std::string LinuxLine::device_path(int com_port) const {
   return device_.empty() ? platform::device_of_port(com_port, links_) : device_;
 }
 
-void QtLine::configure(const LineSettings& settings) {
+void LinuxLine::configure(const LineSettings& settings) {
   if (!open_) throw port_not_open_error();
   if (!takes(settings)) {
     const QString reason = port_.errorString();
@@ -118,7 +119,7 @@ void QtLine::configure(const LineSettings& settings) {
   settings_ = settings;
 }
 
-bool QtLine::takes(const LineSettings& settings) {
+bool LinuxLine::takes(const LineSettings& settings) {
   const bool rate_taken = port_.setBaudRate(settings.baud);
   bool form_taken =
       port_.setDataBits(settings.data_bits == 7 ? QSerialPort::Data7 : QSerialPort::Data8);
@@ -130,35 +131,35 @@ bool QtLine::takes(const LineSettings& settings) {
   return rate_taken && (form_taken || pseudo_terminal_);
 }
 
-void QtLine::write(std::string_view bytes) {
+void LinuxLine::write(std::string_view bytes) {
   if (!open_) throw port_not_open_error();
   const auto size = static_cast<qint64>(bytes.size());
   if (port_.write(bytes.data(), size) != size) throw refused(port_.errorString());
 }
 
-std::string QtLine::read() {
+std::string LinuxLine::read() {
   const QByteArray bytes = port_.readAll();
   return {bytes.data(), static_cast<std::size_t>(bytes.size())};
 }
 
-std::size_t QtLine::waiting() const {
+std::size_t LinuxLine::waiting() const {
   return static_cast<std::size_t>(port_.bytesAvailable());
 }
 
-std::size_t QtLine::unsent() const {
+std::size_t LinuxLine::unsent() const {
   if (!port_.isOpen()) return 0;
   return static_cast<std::size_t>(port_.bytesToWrite()) + unsent_by_system();
 }
 
-std::size_t QtLine::unsent_by_system() const {
+std::size_t LinuxLine::unsent_by_system() const {
   return platform::unsent_bytes(static_cast<std::intptr_t>(port_.handle()));
 }
 
-void QtLine::discard_unsent() {
+void LinuxLine::discard_unsent() {
   port_.clear(QSerialPort::Output);
 }
 
-void QtLine::error_occurred(QSerialPort::SerialPortError error) {
+void LinuxLine::error_occurred(QSerialPort::SerialPortError error) {
   const bool lost = error == QSerialPort::ReadError || error == QSerialPort::WriteError ||
                     error == QSerialPort::ResourceError;
   if (!lost || !open_) return;
@@ -169,7 +170,7 @@ void QtLine::error_occurred(QSerialPort::SerialPortError error) {
 
 std::unique_ptr<Line> make_local_line(EventLoop& loop, const std::filesystem::path& links,
                                       const std::string& device) {
-  return std::make_unique<QtLine>(loop, links, device);
+  return std::make_unique<LinuxLine>(loop, links, device);
 }
 
 }  // namespace orvex

@@ -90,6 +90,7 @@ ROWS = [
     Row("none", "set PREFIX=" + 41 * "x", 2, "40"),
     Row("none", "set SPVOLU=LOW SPVOLU=OFF", 2, "twice"),
     Row("none", "factory", 2, "--yes"),
+    Row("none", "load new --restart-wait 86401", 2, "86400"),
     Row("", HERE + "load old", 2, "--allow-older"),
     # Nobody there.
     Row("--fault silent", "find", 3, ""),
@@ -143,6 +144,12 @@ class Table(unittest.TestCase):
         for row, check in checks:
             with self.subTest(row.words, options=row.options):
                 check.result()
+
+    def test_help_is_no_failure(self):
+        with Desk("none") as desk:
+            code, out, err = desk.run("--help")
+        self.assertEqual((code, err), (0, b""))
+        self.assertIn(b"factory", out)
 
 
 class Sequences(unittest.TestCase):

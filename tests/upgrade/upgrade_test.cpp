@@ -200,6 +200,9 @@ TEST_F(UpgradeTest, no_to_the_cancel_changes_nothing_and_the_verdict_takes_the_q
   windows.idle(20s);
   EXPECT_EQ(windows.box_texts(), question + cancel_question + cancel_question + restart_box);
   EXPECT_EQ(windows.boxes[2].answer, Answer::no);
+  for (const ShownBox& shown : windows.boxes) {
+    EXPECT_EQ(shown.box.refuses_by_default, shown.box.title == "Abort file transfer...");
+  }
   EXPECT_EQ(form1().labRevision[1].Caption, " 4.00   ");
 }
 

@@ -2,6 +2,8 @@
 # be written to, checked string functions, a stack that can't jump over its guard page, jumps and
 # returns that only land where they may. It has to come before the targets.
 if(NOT CMAKE_SYSTEM_NAME STREQUAL "Linux")
+  # For Windows the linker has it all from packaging/windows/toolchain.cmake.
+  add_compile_options("-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.")
   return()
 endif()
 

@@ -1,17 +1,19 @@
 #include "testing/virtual/temporary_folder.h"
 
-#include <cstdlib>
 #include <fstream>
+#include <random>
 #include <sstream>
-#include <stdexcept>
+#include <string>
 
 namespace orvex::testing {
 namespace fs = std::filesystem;
 
 TemporaryFolder::TemporaryFolder() {
-  std::string name = (fs::temp_directory_path() / "orvex-test-XXXXXX").string();
-  if (::mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
-  path_ = name;
+  std::random_device chance;
+  do {
+    path_ = fs::temp_directory_path() / ("orvex-test-" + std::to_string(chance()));
+  } while (!fs::create_directory(path_));
+  fs::permissions(path_, fs::perms::owner_all);
 }
 
 TemporaryFolder::~TemporaryFolder() {

@@ -1,0 +1,22 @@
+# Gives a program for Windows its version, its icon and its manifest.
+function(describe_program program description)
+  if(NOT WIN32)
+    return()
+  endif()
+  enable_language(RC)
+  set(icon ${PROJECT_BINARY_DIR}/packaging/orvex.ico)
+  configure_file(${PROJECT_SOURCE_DIR}/packaging/windows/orvex.rc.in
+    ${PROJECT_BINARY_DIR}/packaging/${program}.rc @ONLY)
+  if(NOT TARGET orvex_icon)
+    set(pictures)
+    foreach(side 16 24 32 48 64 256)
+      list(APPEND pictures ${PROJECT_SOURCE_DIR}/pictures/orvex-${side}.png)
+    endforeach()
+    add_custom_command(OUTPUT ${icon} COMMAND icotool --create --output ${icon} ${pictures}
+      DEPENDS ${pictures} VERBATIM)
+    add_custom_target(orvex_icon DEPENDS ${icon})
+  endif()
+  target_sources(${program} PRIVATE ${PROJECT_BINARY_DIR}/packaging/${program}.rc)
+  add_dependencies(${program} orvex_icon)
+  set_property(SOURCE ${PROJECT_BINARY_DIR}/packaging/${program}.rc PROPERTY OBJECT_DEPENDS ${icon})
+endfunction()

@@ -1,0 +1,13 @@
+# Built along with the tests, from Debian's sources.
+if(NOT TARGET GTest::gtest)
+  set(INSTALL_GTEST OFF)
+  set(BUILD_GMOCK OFF)
+  add_subdirectory(/usr/src/googletest ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
+  set_target_properties(gtest gtest_main PROPERTIES COMPILE_OPTIONS -w)
+  if(NOT TARGET GTest::gtest)
+    add_library(GTest::gtest ALIAS gtest)
+    add_library(GTest::gtest_main ALIAS gtest_main)
+  endif()
+endif()
+set(GTest_FOUND TRUE)
+set(GTEST_FOUND TRUE)

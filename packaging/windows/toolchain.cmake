@@ -19,10 +19,6 @@ set(QT_QMAKE_TARGET_MKSPEC win32-g++)
 
 set(CMAKE_C_FLAGS_INIT "-D_WIN32_WINNT=0x0A00")
 set(CMAKE_CXX_FLAGS_INIT "-D_WIN32_WINNT=0x0A00")
-set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/wine)
-list(APPEND CMAKE_MODULE_PATH ${CMAKE_CURRENT_LIST_DIR})
-set(ZLIB_USE_STATIC_LIBS ON)
-
 # All in one file; the same input gives the same bytes.
 set(CMAKE_EXE_LINKER_FLAGS_INIT
   "-static -Wl,--dynamicbase,--high-entropy-va,--nxcompat,--no-insert-timestamp")

@@ -19,8 +19,7 @@ int main(int argc, char* argv[]) {
   QApplication::setWindowIcon(icon);
   orvex::Desktop desktop(orvex::platform::state_folder());
   // A logout closes the port like the window's own close does.
-  orvex::on_end_request(application, [&desktop] {
-    desktop.windows.handle([&] { desktop.program.Form_Unload(); });
-  });
+  orvex::on_end_request(
+      application, [&desktop] { desktop.windows.handle([&] { desktop.program.Form_Unload(); }); });
   return desktop.run();
 }

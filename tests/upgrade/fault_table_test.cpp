@@ -107,7 +107,7 @@ std::string run(Desk& desk, const Fault& fault, bool fast) {
     if (shown.box.title == "Application 1 File into ROM...") continue;
     outcome += shown.box.title == "Restart" ? " restart" : " box";
   }
-  if (desk.program.forms.form3.Loaded) outcome += " window";
+  if (desk.program.forms.form3.Visible) outcome += " window";
   return outcome;
 }
 

@@ -11,7 +11,7 @@
 namespace orvex {
 namespace {
 
-/// The number of the image's revision. Throws Failure, file error, where the file is no image.
+/// The number of the image's revision. Throws Failure, file error, if the file is no image.
 double revision_of_image(const std::filesystem::path& path) {
   try {
     if (const auto header = Read_Image_Header(path)) return number_of_digits(header->CodeVersion);

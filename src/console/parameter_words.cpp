@@ -20,7 +20,7 @@ Failure wrong(const QString& text) {
   return {exit_code::wrong_use, text};
 }
 
-/// The user's words; none where they are no UTF-8.
+/// The user's words; none if they are no UTF-8.
 std::optional<QString> decoded(std::string_view utf8) {
   QStringDecoder decoder(QStringDecoder::Utf8);
   QString text = decoder(QByteArrayView(utf8.data(), static_cast<qsizetype>(utf8.size())));

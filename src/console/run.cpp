@@ -64,7 +64,7 @@ Outcome outcome_of(const Failure& failure) {
       {{"error", QJsonObject{{"code", failure.code}, {"text", failure.text}}}}, {}, failure.code};
 }
 
-/// The code of the outcome, or of a failure where it couldn't be written.
+/// The code of the outcome, or of a failure if it couldn't be written.
 int print(const Outcome& outcome, bool json) {
   QByteArray text;
   if (json) {

@@ -15,7 +15,7 @@
 namespace orvex {
 
 /// Gives the engine that sends the file at `path` on a line of this rate in bits a second. Throws
-/// RunTimeError where the file can't be read.
+/// RunTimeError if the file can't be read.
 using EngineFactory = std::function<std::unique_ptr<FileEngine>(const std::filesystem::path& path,
                                                                 int rate, Time now)>;
 
@@ -29,11 +29,11 @@ class FileTransfer {
   /// Raised as it goes on, with what is done so far in the unit of total().
   std::function<void(std::int32_t)> progress;
 
-  /// Starts and returns at once. Throws RunTimeError where the file can't be sent.
+  /// Starts and returns at once. Throws RunTimeError if the file can't be sent.
   void start(const std::filesystem::path& path, int rate);
   /// What is queued is thrown away, and the cancel sequence goes out. Only while is_on().
   void stop();
-  /// Ends it where the line is gone.
+  /// Ends it if the line is gone.
   void lose_line();
 
   bool is_on() const { return engine_ != nullptr; }

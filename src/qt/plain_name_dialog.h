@@ -12,7 +12,7 @@ class PlainNameDialog final : public QFileDialog {
  public:
   explicit PlainNameDialog(QWidget* parent);
 
-  /// The whole path of what was accepted; empty where nothing was.
+  /// The whole path of what was accepted; empty if nothing was.
   QString chosen() const;
 
  protected:

@@ -13,7 +13,7 @@ namespace orvex {
 /// after the ACK. A failure stands in panel 2.
 void send_setup(ScannerLink& link, const ScannerSetup& setup);
 
-/// The same with these tags and these settings of the port. True where the scanner has taken them.
+/// The same with these tags and these settings of the port. True if the scanner has taken them.
 bool send_setup(ScannerLink& link, const std::vector<std::string>& tags,
                 const std::string& settings);
 

@@ -40,7 +40,7 @@ MessageBox box_for(const RunTimeError& error) {
 
 }  // namespace
 
-/// What the events of a load do in one of its phases; none where they do nothing.
+/// What the events of a load do in one of its phases; none if they do nothing.
 struct Upgrade::Moves {
   Move cancelled = nullptr;      ///< the user has said Yes to the cancel
   Move closed = nullptr;         ///< Form3 was closed by its close control

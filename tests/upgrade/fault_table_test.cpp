@@ -14,7 +14,7 @@ constexpr std::size_t image_size = 6000;
 constexpr const char* loaded = "- record loaded restart";
 
 /// An outcome is what left_behind() says, then "loaded" where the scanner has the image, "restart"
-/// for the box that says so, "box" for each other but the question ahead of a load, "window" where
+/// for the box that says so, "box" for each other but the question before a load, "window" where
 /// the upload window still stands. A plain and a fast load come to the same.
 struct Fault {
   const char* name;

@@ -249,12 +249,12 @@ TEST_F(UpgradeTest, ends_before_the_transfer_close_the_window_and_say_no_more_th
     EXPECT_EQ(loading.started, 0);
     windows.idle(10s);
   }
-  EXPECT_EQ(line.settings.baud, 115200) << "nothing sets the rate back behind a refused load tag";
+  EXPECT_EQ(line.settings.baud, 115200) << "nothing sets the rate back after a refused load tag";
 }
 
 TEST_F(UpgradeTest, a_transfer_that_cannot_begin_shows_the_box_of_its_error) {
   const struct {
-    int number;  ///< 0 where the image goes before the transfer
+    int number;  ///< 0 if the image goes before the transfer
     const char* box;
     Icon icon;
     const char* title;

@@ -100,7 +100,7 @@ struct Outcome {
   Time last_answer{};  // when the receiver last said something
   std::uint64_t progress = 0;
   bool progress_true =
-      true;           // it never went back, ran before the receiver, or showed the end early
+      true;           // it never went back, ran ahead of the receiver, or showed the end early
   std::string there;  // bytes on the wire
   std::string back;
   ScriptedReceiver receiver{ReceiverScript{}};

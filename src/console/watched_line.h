@@ -54,6 +54,9 @@ class WatchedLine final : public Line, private Line::Listener {
   std::string heard_;  // since the last frame was written, the head of it
 };
 
+/// "N", "O" or "E".
+std::string parity_letter(Parity parity);
+
 /// Settings as "9600,N,8,1", with a capital for the parity.
 std::string settings_text(const LineSettings& settings);
 

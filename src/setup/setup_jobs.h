@@ -24,6 +24,9 @@ void receive_setup(ScannerLink& link);
 /// Has the scanner go back to its factory setup, moves the port to "9600,N,8,1" and receives.
 void factory_default(ScannerLink& link);
 
+/// The same without a receive. True where the scanner has gone back.
+bool send_factory_default(ScannerLink& link);
+
 /// What a good reply to a query leads to: labels, App1RevNumber and the setup. Throws RunTimeError
 /// where a reply can't be used.
 void work_on_reply(ScannerLink& link, ScannerSetup& setup, std::string_view tag,

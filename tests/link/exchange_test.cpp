@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "link/frame.h"
 #include "testing/virtual/desk.h"
 
 namespace orvex::testing {
@@ -45,6 +46,31 @@ TEST_F(ExchangeTest, a_device_that_talks_without_end_fills_no_more_than_a_reply)
   windows.idle(1s);
   EXPECT_EQ(state.RxAccum.size(), most);
   EXPECT_EQ(send("<SPVOLU=LOW>"), 1);
+}
+
+TEST_F(ExchangeTest, a_flood_that_was_cut_short_is_no_reply_and_keeps_no_ack_out) {
+  const std::string flood(20000, '-');
+  line.paced = false;
+  scanner.faults.silent = simulator::always;
+  for (const std::string& first : {ACK + flood, flood}) {
+    windows.boxes.clear();
+    line.frames.clear();
+    windows.answers = {{Answer::ok, 100ms}};
+    windows.at(now() + 1ms, [&] { windows.MsgBox({.text = "of another window"}); });
+    windows.at(now() + 10ms, [&] { line.inject(first); });
+    windows.at(now() + 20ms, [&] { line.inject(flood); });
+    windows.at(now() + 200ms, [&] {
+      line.inject(
+          "\x06"
+          "2.0B\r\n");
+    });
+    const bool is_reply = first.front() == ACK;
+    EXPECT_EQ(send("<HARDRV:>"), is_reply ? 0 : 1);
+    EXPECT_EQ(windows.boxes.size(), is_reply ? 2U : 1U);
+    EXPECT_EQ(windows.boxes.back().box.text, is_reply ? "Overflow" : "of another window");
+    EXPECT_EQ(line.frames.size(), 1U);
+    windows.idle(1s);
+  }
 }
 
 TEST_F(ExchangeTest, the_ack_wins_over_a_tick_in_the_same_pass) {

@@ -1,3 +1,5 @@
+#include "discovery/auto_baud.h"
+
 #include <gtest/gtest.h>
 
 #include "testing/virtual/desk.h"
@@ -97,13 +99,18 @@ TEST_F(ScanTest, an_ack_wins_over_the_tick_in_its_pass_and_counts_for_no_later_r
   scanner.options.ack_delay = 500ms;
   start();
   EXPECT_EQ(line.texts().substr(0, 18), "<TXPING:><APP1RV:>");
-  scanner.rate(19200);
-  scanner.faults.silent = simulator::always;
-  windows.answers = {{Answer::cancel}};
-  // It comes once the wait at 9600 is over, and is read at the rate of the next try.
-  windows.at(now() + 500ms, [&] { line.inject("\x06"); });
-  press(&Program::mnuauto_Click);
-  EXPECT_EQ(windows.box_texts(), "[Connection Failed]");
+  for (const int threshold : {1, 0}) {
+    LinkDesk desk;
+    desk.line.paced = false;
+    desk.scanner.faults.silent = simulator::always;
+    desk.state.PortCom = "1";
+    desk.MSComm1.RThreshold(threshold);
+    desk.windows.answers = {{Answer::cancel}};
+    // It comes once the wait at 9600 is over, and is read at the rate of the next try.
+    desk.windows.at(500ms, [&] { desk.line.inject("\x06"); });
+    mnuauto_Click(desk.link);
+    EXPECT_EQ(desk.windows.box_texts(), "[Connection Failed]") << threshold;
+  }
 }
 
 TEST_F(ScanTest, noise_in_one_piece_with_the_ack_is_skipped) {

@@ -154,11 +154,17 @@ TEST(ZmodemSender, the_crc_of_a_large_file_is_taken_in_steps) {
 }
 
 TEST(ZmodemSender, a_file_that_can_not_be_read_to_its_end_ends_the_transfer) {
-  ZmodemSender sender(std::make_unique<MemorySource>(noise(20000), 9000), Time{});
-  const Outcome outcome = run(sender, {});
-  expect_failed(outcome, "could not be read");
-  EXPECT_TRUE(outcome.receiver.cancelled);
-  EXPECT_LE(outcome.receiver.file.size(), 9000U);
+  for (const Time crc_asked_for : {Time(1ms), Time::max()}) {
+    ZmodemSender sender(std::make_unique<MemorySource>(noise(20000), 9000), Time{});
+    Course course;
+    course.each_step = [&](FileEngine& engine, Time now) {
+      if (now == crc_asked_for) engine.receive(answer(1, 0x23000000) + answer(13, 0), now);
+    };
+    const Outcome outcome = run(sender, course);
+    expect_failed(outcome, "could not be read");
+    EXPECT_TRUE(outcome.receiver.cancelled);
+    EXPECT_LE(outcome.receiver.file.size(), 9000U);
+  }
 }
 
 TEST(ZmodemSender, the_users_stop_reaches_the_receiver_at_once_from_every_step) {

@@ -122,7 +122,12 @@ TEST(ZmodemSender, every_line_and_every_loader_gets_the_file_in_its_time) {
        15,
        {.zrinit = buffer_of_1_kb, .write_time = 20ms, .deaf_while_writing = true}},
       {"complains only when asked", 64, 6.7, {.complains = false}, {.flip_every = 20000}},
-      {"1 kB, answers damaged", 32, 13, {.zrinit = buffer_of_1_kb}, {}, {.flip_every = 50}},
+      {"1 kB, answers damaged",
+       32,
+       13,
+       {.zrinit = buffer_of_1_kb, .write_time = 5ms, .deaf_while_writing = true},
+       {},
+       {.flip_every = 50}},
       {"erases 15 s at each ZFILE", 64, 22, {.erase_time = 15s, .erases = 9}},
       {"the same, keeps 1 kB", 64, 22, {.erase_time = 15s, .erases = 9, .keeps = 1024}},
       {"erases 35 s", 64, 41, {.erase_time = 35s}},
@@ -235,7 +240,7 @@ TEST(ZmodemSender, unusual_but_honest_receivers_get_the_file) {
 }
 
 TEST(ZmodemSender, slow_lines_get_pieces_of_about_a_second) {
-  for (const std::uint32_t rate : {300U, 1200U, 2400U, 9600U}) {
+  for (const auto& [rate, pieces] : {std::pair{300U, 25}, {1200U, 24}, {2400U, 24}, {9600U, 29}}) {
     SCOPED_TRACE(rate);
     const string data = noise(3 * rate);
     Course course;
@@ -245,6 +250,11 @@ TEST(ZmodemSender, slow_lines_get_pieces_of_about_a_second) {
     const Outcome outcome = run(sender, course);
     expect_complete(outcome, data);
     EXPECT_EQ(outcome.receiver.complaints, 0);
+    int ends = -1;  // that of the offer
+    for (std::size_t at = 0; (at = outcome.there.find('\x18', at)) != string::npos; ++at) {
+      ends += outcome.there[at + 1] >= 'h' && outcome.there[at + 1] <= 'k' ? 1 : 0;
+    }
+    EXPECT_EQ(ends, pieces);
   }
 }
 

@@ -8,7 +8,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QRadioButton>
-#include <QSerialPort>
 #include <QTextBrowser>
 #include <algorithm>
 #include <cstdio>
@@ -48,22 +47,6 @@ TEST(Session, the_last_rate_is_found_and_a_setup_goes_there_and_back) {
     EXPECT_EQ(pilot.text("Text10").toStdString(), "007");
   }
   EXPECT_EQ(pilot.panel(1).toStdString(), "Settings: 2400,e,8,1  Com Port: 1");
-}
-
-TEST(Session, a_port_that_another_program_holds_is_told_as_such_and_opens_once_it_is_free) {
-  Pilot pilot({"--rate", "9600"});
-  const QString device = QFileInfo(pilot.folder() + "/com1").canonicalFilePath();
-  QSerialPort other;
-  other.setPortName(device);
-  ASSERT_TRUE(other.open(QIODevice::ReadWrite));
-  pilot.answer_next_box("OK");
-  pilot.answer_next_box("OK");
-  pilot.start();
-  const QWidget* panel = pilot.find("sbrStatus.Panels(1)");
-  EXPECT_EQ(panel->toolTip(), "COM 1, " + device + ": held by another program");
-  other.close();
-  pilot.click("mnuauto");
-  EXPECT_EQ(panel->toolTip(), device);
 }
 
 TEST(Session, a_wait_for_a_silent_scanner_costs_next_to_no_processor_time) {

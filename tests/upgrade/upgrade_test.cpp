@@ -58,6 +58,9 @@ TEST_F(UpgradeTest, a_complete_load_ends_in_restart_scan_and_receive) {
   EXPECT_LE(windows.boxes[1].at - ended, 8s);
   EXPECT_EQ((windows.boxes[1].at - started) % 1s, 0s) << "looked at each second, and 7 s later";
   EXPECT_FALSE(form3().Loaded);
+  std::string wire = "<APP1RV:><A1CODE=Z>";
+  for (int ping = 0; ping < 7; ++ping) wire += "<TXPING:>";  // 4800 is the sixth rate
+  EXPECT_EQ(line.texts(), wire + "<SETPAR:><APP1RV:><APP2RV:><HARDRV:><FINGER:><WEBSIT:><SERIAL:>");
   EXPECT_EQ(panel(1), "Settings: 4800,N,8,1  Com Port: 1");
   EXPECT_EQ(form1().labRevision[1].Caption, " 4.00   ");
   EXPECT_FALSE(form1().Timer1.Enabled());

@@ -78,7 +78,7 @@ TEST_F(UpgradeTest, a_search_that_is_given_up_behind_a_load_ends_it_there) {
 
 TEST_F(UpgradeTest, the_bar_and_the_pictures_follow_the_transfer) {
   load(6000);
-  windows.idle(1950ms);
+  windows.idle(1900ms);
   EXPECT_TRUE(form3().ProgressBar1.Visible);
   EXPECT_EQ(form3().ProgressBar1.Max, 6000);
   EXPECT_EQ(form3().ProgressBar1.Value, 1024);

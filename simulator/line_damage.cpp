@@ -17,12 +17,6 @@ Where Where::every(std::size_t n) {
   return where;
 }
 
-Where Where::from(std::size_t position) {
-  Where where;
-  where.from_ = position;
-  return where;
-}
-
 Where Where::one_in(std::size_t n, std::uint32_t seed) {
   Where where;
   where.odds_ = n;
@@ -31,7 +25,6 @@ Where Where::one_in(std::size_t n, std::uint32_t seed) {
 }
 
 bool Where::hits(std::size_t position) {
-  if (position >= from_) return true;
   if (every_ != 0) return position % every_ == every_ - 1;
   if (odds_ != 0) return random_() % odds_ == 0;
   return std::ranges::find(positions_, position) != positions_.end();

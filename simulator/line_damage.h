@@ -16,8 +16,6 @@ class Where {
   static Where at(std::vector<std::size_t> positions);
   /// The n-th byte, and each n-th from there on: n - 1, 2n - 1, ...
   static Where every(std::size_t n);
-  /// The byte at `position` and all behind it.
-  static Where from(std::size_t position);
   /// One byte in n on the average, the same ones for the same seed.
   static Where one_in(std::size_t n, std::uint32_t seed);
 
@@ -27,7 +25,6 @@ class Where {
  private:
   std::vector<std::size_t> positions_;
   std::size_t every_ = 0;
-  std::size_t from_ = SIZE_MAX;
   std::size_t odds_ = 0;
   std::mt19937 random_;
 };
@@ -44,8 +41,6 @@ class LineDamage {
   LineDamage& flip(Where where, unsigned char bits = 0x20);
   LineDamage& drop(Where where);
   LineDamage& duplicate(Where where);
-  /// Nothing comes from `position` on.
-  LineDamage& cut_after(std::size_t position) { return drop(Where::from(position)); }
   /// These bytes, and what is behind them, come later.
   LineDamage& delay(Where where, Time by);
 

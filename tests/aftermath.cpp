@@ -1,7 +1,5 @@
 #include "aftermath.h"
 
-#include <cstdio>
-
 #include "setup/apply.h"
 
 namespace orvex::testing {
@@ -11,11 +9,6 @@ std::string left_behind(Desk& desk, const ScannerSetup& before) {
   if (!(desk.program.setup == before)) text += " record";
   if (!desk.line.is_open()) text += " closed";
   return text;
-}
-
-void print_row(const char* job, const char* fault, const std::string& outcome,
-               const std::string& port_line) {
-  std::printf("%-8s %-40s %-44s %s\n", job, fault, outcome.c_str(), port_line.c_str());
 }
 
 bool recovers(Desk& desk) {

@@ -10,10 +10,6 @@ namespace orvex::testing {
 /// is: "record" where the record differs from `before`, "closed" for the port.
 std::string left_behind(Desk& desk, const ScannerSetup& before);
 
-/// One line of the table that a fault test prints.
-void print_row(const char* job, const char* fault, const std::string& outcome,
-               const std::string& port_line);
-
 /// Puts scanner and line right, and tells whether a scan and a receive then succeed and bring the
 /// scanner's setup into the record. A scanner that still takes a file is restarted first.
 bool recovers(Desk& desk);

@@ -45,8 +45,7 @@ std::int16_t Exchange::Send_Tag(std::string_view tag) {
 }
 
 std::string Exchange::Read_Port(std::int16_t mode) {
-  const std::string came = MSComm1_.Input();
-  if (!dropped_) append(state_.RxAccum, came);  // what is kept has no hole
+  append(state_.RxAccum, MSComm1_.Input());
   if (mode != 1) return {};
   return std::exchange(state_.RxAccum, {});
 }
@@ -75,7 +74,6 @@ void Exchange::send_ping() {
 
 bool Exchange::wait_for_ping(Attempts& attempts) {
   while (true) {
-    dropped_ = false;  // an ACK counts whatever came before it
     attempts([&] { pump_and_read(); });
     if (state_.ReplyText.starts_with(ACK)) {
       form1_.Timer1.Enabled(false);
@@ -152,6 +150,7 @@ bool Exchange::wait_for_reply() {
 }
 
 void Exchange::pump_and_read() {
+  if (state_.ReplyText.empty()) dropped_ = false;  // what comes now has no hole ahead of it
   windows_.pump(state_.ReplyText.empty() ? Wait::for_event : Wait::no);
   append(state_.ReplyText, Read_Port(1));
 }

@@ -72,7 +72,7 @@ class Exchange {
   PortState& state_;
   SerialControl& MSComm1_;
   ReplyWork reply_work_;
-  bool dropped_ = false;  ///< what has come since the frame was sent is no longer kept
+  bool dropped_ = false;  ///< behind what is kept there is a hole
 };
 
 }  // namespace orvex

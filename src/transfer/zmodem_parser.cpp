@@ -85,7 +85,6 @@ void ZmodemParser::begin(Place place, std::size_t length) {
   length_ = length;
   filled_ = 0;
   half_ = false;
-  digits_ = 0;
 }
 
 void ZmodemParser::choose_type(unsigned char byte) {

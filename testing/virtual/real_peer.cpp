@@ -19,8 +19,8 @@ namespace {
 
 constexpr std::size_t driver_room = 2048;
 
-int poll_timeout(const FileEngine& engine, Time until, Time cancel_at) {
-  const Time wake = std::min({engine.wake().value_or(until), until, cancel_at});
+int poll_timeout(const FileEngine& engine, Time until) {
+  const Time wake = std::min(engine.wake().value_or(until), until);
   const auto left = std::chrono::ceil<std::chrono::milliseconds>(wake - steady_now()).count();
   return static_cast<int>(std::clamp<std::int64_t>(left, 0, 1000));
 }
@@ -75,15 +75,11 @@ Time steady_now() {
   return std::chrono::steady_clock::now().time_since_epoch();
 }
 
-void drive(FileEngine& engine, int fd, Time until, Time cancel_at) {
+void drive(FileEngine& engine, int fd, Time until) {
   fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) | O_NONBLOCK);
   std::string unsent;
   std::array<char, 4096> buffer;
   while ((!engine.finished() || !unsent.empty()) && steady_now() < until) {
-    if (steady_now() >= cancel_at) {
-      engine.cancel(steady_now());
-      cancel_at = Time::max();
-    }
     if (engine.wake() && *engine.wake() <= steady_now()) engine.tick(steady_now());
     if (engine.take_discard()) {
       unsent.clear();
@@ -99,7 +95,7 @@ void drive(FileEngine& engine, int fd, Time until, Time cancel_at) {
     }
     if (engine.finished() && unsent.empty()) return;
     pollfd port{fd, static_cast<short>(unsent.empty() ? POLLIN : POLLIN | POLLOUT), 0};
-    poll(&port, 1, poll_timeout(engine, until, cancel_at));
+    poll(&port, 1, poll_timeout(engine, until));
     const ssize_t got =
         (port.revents & (POLLIN | POLLHUP)) != 0 ? read(fd, buffer.data(), buffer.size()) : 0;
     if (got < 0 && errno != EAGAIN) return;

@@ -36,7 +36,7 @@ int wait_for(pid_t process, Time limit);
 Time steady_now();
 
 /// Drives `engine` in real time on `fd` until it has finished, the other end is gone or `until`
-/// has come; cancels it at `cancel_at`.
-void drive(FileEngine& engine, int fd, Time until, Time cancel_at = Time::max());
+/// has come.
+void drive(FileEngine& engine, int fd, Time until);
 
 }  // namespace orvex::testing

@@ -99,7 +99,7 @@ void VirtualLine::discard_unsent() {
 std::optional<Time> VirtualLine::due() const {
   auto next = scanner_.due();
   const auto consider = [&](Time time) { next = next ? std::min(*next, time) : time; };
-  if (!outgoing_.empty()) consider(outgoing_done_);
+  if (!outgoing_.empty() && !stands) consider(outgoing_done_);
   if (!at_scanner_.empty()) consider(at_scanner_.front().at);
   if (!incoming_.empty()) consider(incoming_.front().at);
   return next;
@@ -149,7 +149,7 @@ void VirtualLine::start_next() {
 }
 
 void VirtualLine::move_outgoing() {
-  while (!outgoing_.empty() && outgoing_done_ <= windows_.now()) {
+  while (!stands && !outgoing_.empty() && outgoing_done_ <= windows_.now()) {
     const char byte = outgoing_.front();
     outgoing_.pop_front();
     for (const auto& arrival : to_scanner.pass({&byte, 1})) {

@@ -25,6 +25,7 @@ class VirtualLine final : public Line, public Actor {
   bool refuses_open = false;      ///< whoever wants to open it
   bool refuses_settings = false;  ///< whoever wants to change them
   bool paced = true;              ///< false: bytes take no time
+  bool stands = false;            ///< nothing leaves, as where the device takes nothing
   simulator::LineDamage to_scanner;
   simulator::LineDamage to_tool;
   /// The device goes away and comes back.

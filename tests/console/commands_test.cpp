@@ -147,12 +147,6 @@ TEST(Trace, shows_each_byte_so_that_it_can_be_told) {
   EXPECT_EQ(traced_hex(std::string("\x00\x18\xFF", 3)), "00 18 FF");
 }
 
-TEST(Escape, leaves_no_control_character_in_json_or_on_a_terminal) {
-  const QString text = QString::fromLatin1("a\x1B\x7F\x9B\n\\\xE9");
-  EXPECT_EQ(printable(text).toStdString(), "a\\x1B\\x7F\\x9B\\x0A\\\\é");
-  EXPECT_EQ(json_of({{"a", text}}).toStdString(), "{\"a\":\"a\\u001b\\u007f\\u009b\\n\\\\é\"}\n");
-}
-
 TEST(ProgressLine, counts_its_rate_anew_for_each_transfer_and_is_cleared_once) {
   ProgressLine line;
   const std::string clear = "\r\x1B[K";

@@ -230,16 +230,6 @@ class Sequences(unittest.TestCase):
             self.assertNotEqual(os.path.realpath(desk.link), before)
             self.assertEqual(process.returncode, 0)
 
-    def test_a_port_that_is_held_is_refused_and_its_holder_named(self):
-        with Desk("--fault", "silent") as desk:
-            holder = desk.start("find", "--trace", "trace")
-            desk.wait(lambda: (desk.path / "trace").exists() and "opened" in (desk.path / "trace").read_text())
-            code, document = desk.json("find")
-            holder.terminate()
-            holder.communicate()
-        self.assertEqual(code, 4)
-        self.assertIn(f"held by process {holder.pid} (orvexctl)", document["error"]["text"])
-
 
 class Interrupts(unittest.TestCase):
     """A signal in each phase: 130, a port that is free at once, and a transfer that is cancelled."""

@@ -10,35 +10,32 @@ namespace {
 
 struct ExchangeTest : ::testing::Test, LinkDesk {
   std::int16_t send(std::string_view tag) { return exchange.Send_Tag(tag); }
-  const std::string& panel2() { return forms.form1.sbrStatus.Panels[2]; }
-  std::vector<Time> frame_times() const {
-    std::vector<Time> times;
-    for (const auto& frame : line.frames) times.push_back(frame.at);
-    return times;
-  }
 };
 
-TEST_F(ExchangeTest, a_set_frame_ends_at_its_ack) {
-  EXPECT_EQ(send("<SPVOLU=LOW>"), 1);
-  EXPECT_LT(now(), 25ms);  // fifteen bytes at 9600 Bps, and the scanner's 5 ms
-  EXPECT_FALSE(forms.form1.Timer1.Enabled());
-  EXPECT_EQ(panel2(), "TIME OUT COUNT = 0");
-  EXPECT_EQ(scanner.parameters["SPVOLU"], "LOW");
-}
-
-TEST_F(ExchangeTest, three_naks_end_the_transaction_without_waiting) {
-  scanner.faults.refused = 3;
-  EXPECT_EQ(send("<SPVOLU=LOW>"), 0);
-  EXPECT_EQ(line.frames.size(), 3U);
-  EXPECT_LT(now(), 75ms);
-  EXPECT_EQ(panel2(), "TIME OUT COUNT = 2");
-}
-
-TEST_F(ExchangeTest, a_nak_ends_its_wait_also_with_an_ack_in_the_same_piece) {
-  line.paced = false;
-  scanner.faults.junk_before_ack = "\x15";
-  EXPECT_EQ(send("<SPVOLU=LOW>"), 0);
-  EXPECT_EQ(line.frames.size(), 3U);
+TEST_F(ExchangeTest, a_frame_is_sent_three_times_at_most_and_ends_at_its_ack_or_a_nak) {
+  using simulator::always;
+  const struct {
+    simulator::Faults faults;
+    int result;
+    const char* seconds;  ///< of each frame and of the end
+    const char* panel2;
+  } table[]{{{}, 1, "0 0", "TIME OUT COUNT = 0"},
+            {{.refused = 2}, 1, "0 0 0 0", "TIME OUT COUNT = 2"},
+            {{.refused = 3}, 0, "0 0 0 0", "TIME OUT COUNT = 2"},
+            {{.junk_before_ack = "\x15"}, 0, "0 0 0 0", "TIME OUT COUNT = 2"},
+            {{.silent = always}, 0, "0 1 2 3", "TIME OUT COUNT = 2"}};
+  for (const auto& row : table) {
+    LinkDesk desk;
+    desk.scanner.faults = row.faults;
+    desk.line.paced = false;
+    EXPECT_EQ(desk.exchange.Send_Tag("<SPVOLU=LOW>"), row.result);
+    std::string seconds;
+    for (const auto& frame : desk.line.frames) seconds += std::to_string(frame.at / 1s) + " ";
+    EXPECT_EQ(seconds + std::to_string(desk.now() / 1s), row.seconds);
+    EXPECT_FALSE(desk.forms.form1.Timer1.Enabled());
+    EXPECT_EQ(desk.forms.form1.sbrStatus.Panels[2], row.panel2);
+    EXPECT_LE(desk.windows.pumps, 10) << "a wait stays in its pump";
+  }
 }
 
 TEST_F(ExchangeTest, a_device_that_talks_without_end_fills_no_more_than_a_reply) {
@@ -51,14 +48,29 @@ TEST_F(ExchangeTest, a_device_that_talks_without_end_fills_no_more_than_a_reply)
   EXPECT_EQ(send("<SPVOLU=LOW>"), 1);
 }
 
-TEST_F(ExchangeTest, silence_gives_three_identical_frames_a_second_apart_and_burns_no_time) {
+TEST_F(ExchangeTest, a_flood_that_was_cut_short_is_no_reply_and_keeps_no_ack_out) {
+  const std::string flood(20000, '-');
+  line.paced = false;
   scanner.faults.silent = simulator::always;
-  EXPECT_EQ(send("<SPVOLU=LOW>"), 0);
-  EXPECT_EQ(frame_times(), (std::vector<Time>{0s, 1s, 2s}));
-  EXPECT_EQ(line.texts(), "<SPVOLU=LOW><SPVOLU=LOW><SPVOLU=LOW>");
-  EXPECT_EQ(now(), 3s);
-  EXPECT_EQ(panel2(), "TIME OUT COUNT = 2");
-  EXPECT_LE(windows.pumps, 10);
+  for (const std::string& first : {ACK + flood, flood}) {
+    windows.boxes.clear();
+    line.frames.clear();
+    windows.answers = {{Answer::ok, 100ms}};
+    windows.at(now() + 1ms, [&] { windows.MsgBox({.text = "of another window"}); });
+    windows.at(now() + 10ms, [&] { line.inject(first); });
+    windows.at(now() + 20ms, [&] { line.inject(flood); });
+    windows.at(now() + 200ms, [&] {
+      line.inject(
+          "\x06"
+          "2.0B\r\n");
+    });
+    const bool is_reply = first.front() == ACK;
+    EXPECT_EQ(send("<HARDRV:>"), is_reply ? 0 : 1);
+    EXPECT_EQ(windows.boxes.size(), is_reply ? 2U : 1U);
+    EXPECT_EQ(windows.boxes.back().box.text, is_reply ? "Overflow" : "of another window");
+    EXPECT_EQ(line.frames.size(), 1U);
+    windows.idle(1s);
+  }
 }
 
 TEST_F(ExchangeTest, the_ack_wins_over_a_tick_in_the_same_pass) {
@@ -104,7 +116,7 @@ TEST_F(ExchangeTest, a_late_ack_counts_for_the_second_frame_and_its_own_is_forgo
   scanner.faults.late_acks = 2;
   scanner.faults.late_by = 1200ms;
   EXPECT_EQ(send("<SPVOLU=LOW>"), 1);
-  EXPECT_EQ(panel2(), "TIME OUT COUNT = 1");
+  EXPECT_EQ(forms.form1.sbrStatus.Panels[2], "TIME OUT COUNT = 1");
   windows.idle(2s);
   EXPECT_EQ(send("<HARDRV:>"), 1);
   EXPECT_EQ(forms.form1.labRevision[3].Caption, " 2.0B\r\n");
@@ -193,12 +205,6 @@ TEST_F(ExchangeTest, a_reply_of_more_than_32767_characters_is_a_failure_and_nobo
     windows.idle(1s);
     EXPECT_LE(state.RxAccum.size(), 32768U) << "the rest of the flood";
   }
-  windows.boxes.clear();
-  scanner.faults.other_reply = frame_of("<CD39EN=1>") + std::string(piece, ' ');
-  windows.at(now() + 20ms, [&] { line.inject(std::string(piece, ' ')); });
-  EXPECT_EQ(send("<SETPAR:>"), 0);
-  EXPECT_EQ(windows.box_texts(), "[Overflow]");
-  EXPECT_EQ(setup.value(Field::CD39EN), "1") << "frames before that point hold";
   scanner.faults = {};
   EXPECT_EQ(send("<SERIAL:>"), 1) << "the next exchange begins afresh";
   EXPECT_EQ(forms.form1.Label4.Caption, "0004711\r\n");
@@ -225,31 +231,19 @@ TEST_F(ExchangeTest, the_revision_number_is_made_of_characters_one_three_and_fou
   }
 }
 
-TEST_F(ExchangeTest, the_first_query_sets_the_number_and_leaves_the_label) {
-  state.StartUpQuery = -1;
-  EXPECT_EQ(send("<APP1RV:>"), 1);
-  EXPECT_EQ(state.App1RevNumber, 322);
-  EXPECT_EQ(forms.form1.labRevision[1].Caption, "");
-}
-
 TEST_F(ExchangeTest, a_port_that_fails_shows_one_box_and_gives_0_at_once) {
-  MSComm1.PortOpen(false);
-  EXPECT_EQ(send("<HARDRV:>"), 0);
-  ASSERT_EQ(windows.boxes.size(), 1U);
-  const MessageBox& box = windows.boxes[0].box;
-  EXPECT_NE(box.text, "");
-  EXPECT_EQ(box.icon, Icon::exclamation);
-  EXPECT_EQ(box.buttons, Buttons::ok);
-  EXPECT_EQ(box.title, "Orvex1");
-  EXPECT_EQ(now(), 0s);
-}
-
-TEST_F(ExchangeTest, a_line_lost_in_the_reply_wait_ends_in_a_box) {
   scanner.faults.reply_without_end = true;
   windows.at(700ms, [&] { line.unplug(); });
-  EXPECT_EQ(send("<HARDRV:>"), 0);
-  EXPECT_EQ(now(), 700ms);
-  EXPECT_EQ(windows.boxes.size(), 1U);
+  for (std::size_t boxes = 1; boxes <= 2; ++boxes) {
+    EXPECT_EQ(send("<HARDRV:>"), 0);
+    EXPECT_EQ(now(), 700ms) << "it is lost in the wait for a reply, and then closed";
+    ASSERT_EQ(windows.boxes.size(), boxes);
+    const MessageBox& box = windows.boxes.back().box;
+    EXPECT_EQ(box.text, "The port is not open");
+    EXPECT_EQ(box.icon, Icon::exclamation);
+    EXPECT_EQ(box.buttons, Buttons::ok);
+    EXPECT_EQ(box.title, "Orvex1");
+  }
 }
 
 }  // namespace

@@ -75,14 +75,6 @@ TEST_F(SerialControlTest, the_receive_event_waits_for_its_threshold_and_0_switch
   }
 }
 
-TEST_F(SerialControlTest, an_unread_line_keeps_its_buffer_and_no_more) {
-  line.paced = false;
-  MSComm1.RThreshold(0);
-  line.inject(std::string(in_buffer_size + 5, 'x'));
-  windows.idle(1ms);
-  EXPECT_EQ(MSComm1.Input().size(), in_buffer_size);
-}
-
 TEST_F(SerialControlTest, why_a_transfer_failed_stays_readable_after_it) {
   MSComm1.FileName(folder.write("image.bin", random_image(200, 1)));
   MSComm1.Protocol(5);

@@ -105,6 +105,8 @@ TEST_F(Fields, what_a_job_writes_is_on_the_screen) {
     EXPECT_EQ(pilot_.find("imgNotConnected")->isVisible(), !connected);
   }
   for (const auto& [name, text] : texts) EXPECT_EQ(pilot_.text(name), name);
+  EXPECT_FALSE(pilot_.can_choose("mnutech"));
+  EXPECT_TRUE(pilot_.find("cmdSend")->whatsThis().startsWith("Receive, change, Send"));
 }
 
 TEST_F(Fields, enter_presses_the_first_button_of_a_box_and_esc_the_refusing_one) {

@@ -16,7 +16,8 @@ TEST(PortLock, the_window_and_the_console_refuse_each_others_port) {
   console.start(ORVEXCTL, find);
   ASSERT_TRUE(console.waitForFinished());
   EXPECT_EQ(console.exitCode(), 4);
-  const QString holder = "held by process " + QString::number(QCoreApplication::applicationPid());
+  const QString holder =
+      QString("held by process %1 (orvex_qt_tests)").arg(QCoreApplication::applicationPid());
   EXPECT_TRUE(console.readAllStandardError().contains(holder.toLocal8Bit()));
 
   pilot.end_tool();
@@ -31,6 +32,7 @@ TEST(PortLock, the_window_and_the_console_refuse_each_others_port) {
   pilot.start();
   ASSERT_EQ(pilot.boxes().size(), 2);
   EXPECT_TRUE(pilot.boxes().first().contains("Port is not available at COM:1"));
+  EXPECT_TRUE(pilot.find("sbrStatus.Panels(1)")->toolTip().endsWith(": held by another program"));
   console.terminate();
   ASSERT_TRUE(console.waitForFinished());
   EXPECT_EQ(console.exitCode(), 130);

@@ -72,16 +72,6 @@ TEST_F(SetupJobsTest, scanners_below_322_are_not_asked_for_their_serial_number) 
   EXPECT_EQ(form1().Label4.Caption, "0004711\r\n");
 }
 
-TEST_F(SetupJobsTest, a_setup_without_frames_is_a_success_that_changes_nothing) {
-  program.setup.choose(Field::SPVOLU, 0);
-  const ScannerSetup before = program.setup;
-  scanner.faults = {.only = "<SETPAR:>", .other_reply = "\r\n"};
-  press(&Program::cmdReceive_Click);
-  EXPECT_EQ(panel(2), "");
-  EXPECT_EQ(program.setup, before);
-  EXPECT_EQ(form1().Label4.Caption, "0004711\r\n");
-}
-
 TEST_F(SetupJobsTest, a_send_is_one_frame_and_moves_the_port_behind_its_ack) {
   for (const auto& [field, choice] : {std::pair{Field::RSBAUD, 7U},
                                       {Field::RSPRTY, 2U},

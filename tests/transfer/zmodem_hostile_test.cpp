@@ -59,6 +59,7 @@ TEST(ZmodemSender, a_bad_answer_ends_the_transfer_with_its_own_reason) {
       {"ZRPOS to the end", Step::end, position(20000), 9s, 119s, 121s, "did not confirm"},
       {"two places", Step::data, position(4096) + position(4095), 1s, 59s, 61s, "no answer"},
       {"noise", Step::data, noise(100), 10ms, 59s, 61s, "no answer for 60 s"},
+      {"ZNAK for ever", Step::start, answer(6, 0), 100ms, 29s, 31s, "did not ask"},
       {"silence", Step::start, "", {}, 29s, 31s, "did not ask"},
       {"silence", Step::offer, "", {}, 99s, 101s, "did not start"},
       {"silence", Step::data, "", {}, 59s, 61s, "no answer for 60 s"},
@@ -75,6 +76,11 @@ TEST(ZmodemSender, a_bad_answer_ends_the_transfer_with_its_own_reason) {
     EXPECT_GE(took, c.least);
     EXPECT_LE(took, c.most);
     EXPECT_LE(outcome.receiver.file.size(), outcome.progress + 16384) << "sent into a silence";
+    int asked = 0;
+    for (std::size_t at = 0; (at = outcome.there.find(answer(0, 0), at)) != string::npos; ++at) {
+      ++asked;
+    }
+    EXPECT_LE(asked, 13) << "ten in answer to ZNAK, and one every 10 s";
     const bool farewell = outcome.there.find(end) != string::npos;
     const bool quiet = c.says == cancel && c.step != Step::start;
     EXPECT_EQ(outcome.receiver.cancelled, !farewell && !quiet);
@@ -154,11 +160,17 @@ TEST(ZmodemSender, the_crc_of_a_large_file_is_taken_in_steps) {
 }
 
 TEST(ZmodemSender, a_file_that_can_not_be_read_to_its_end_ends_the_transfer) {
-  ZmodemSender sender(std::make_unique<MemorySource>(noise(20000), 9000), Time{});
-  const Outcome outcome = run(sender, {});
-  expect_failed(outcome, "could not be read");
-  EXPECT_TRUE(outcome.receiver.cancelled);
-  EXPECT_LE(outcome.receiver.file.size(), 9000U);
+  for (const Time crc_asked_for : {Time(1ms), Time::max()}) {
+    ZmodemSender sender(std::make_unique<MemorySource>(noise(20000), 9000), Time{});
+    Course course;
+    course.each_step = [&](FileEngine& engine, Time now) {
+      if (now == crc_asked_for) engine.receive(answer(1, 0x23000000) + answer(13, 0), now);
+    };
+    const Outcome outcome = run(sender, course);
+    expect_failed(outcome, "could not be read");
+    EXPECT_TRUE(outcome.receiver.cancelled);
+    EXPECT_LE(outcome.receiver.file.size(), 9000U);
+  }
 }
 
 TEST(ZmodemSender, the_users_stop_reaches_the_receiver_at_once_from_every_step) {

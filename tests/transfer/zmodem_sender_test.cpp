@@ -122,7 +122,12 @@ TEST(ZmodemSender, every_line_and_every_loader_gets_the_file_in_its_time) {
        15,
        {.zrinit = buffer_of_1_kb, .write_time = 20ms, .deaf_while_writing = true}},
       {"complains only when asked", 64, 6.7, {.complains = false}, {.flip_every = 20000}},
-      {"1 kB, answers damaged", 32, 13, {.zrinit = buffer_of_1_kb}, {}, {.flip_every = 50}},
+      {"1 kB, answers damaged",
+       32,
+       13,
+       {.zrinit = buffer_of_1_kb, .write_time = 5ms, .deaf_while_writing = true},
+       {},
+       {.flip_every = 50}},
       {"erases 15 s at each ZFILE", 64, 22, {.erase_time = 15s, .erases = 9}},
       {"the same, keeps 1 kB", 64, 22, {.erase_time = 15s, .erases = 9, .keeps = 1024}},
       {"erases 35 s", 64, 41, {.erase_time = 35s}},
@@ -196,12 +201,14 @@ TEST(ZmodemSender, unusual_but_honest_receivers_get_the_file) {
     const char* kind;
     ReceiverScript receiver;
     string at_start, on_the_way, at_end = "";
+    std::uint64_t way = 9000;
   } cases[] = {
       {"never answers a request", {.answers_requests = false}, "", ""},
       {"resumes", {.first_place = 7001}, "", ""},
       {"has it all", {.first_place = 20000}, "", ""},
       {"is slow to answer", {.write_time = 300ms}, "", ""},
       {"doubled and late ZRINIT", {}, answer(1, 0x23000000), answer(1, 0x23000000)},
+      {"ZRINIT ahead of the end", {}, "", answer(1, 0x23000000), "", 18900},
       {"the end of an earlier transfer", {}, late + answer(9, 5) + answer(3, 9), ""},
       {"challenge", {}, answer(14, 77), ""},
       {"asks to repeat", {}, answer(6, 0), answer(6, 0), answer(6, 0)},
@@ -215,7 +222,7 @@ TEST(ZmodemSender, unusual_but_honest_receivers_get_the_file) {
     int steps_at_end = 0;
     course.each_step = [&](FileEngine& engine, Time now) {
       if (now == Time{}) engine.receive(c.at_start, now);
-      if (!said && engine.progress() > 9000) engine.receive(c.on_the_way, now), said = true;
+      if (!said && engine.progress() > c.way) engine.receive(c.on_the_way, now), said = true;
       const bool farewell_sent = engine.state() == State::complete && ++steps_at_end == 2;
       if (farewell_sent) engine.receive(c.at_end, now);
     };
@@ -235,7 +242,7 @@ TEST(ZmodemSender, unusual_but_honest_receivers_get_the_file) {
 }
 
 TEST(ZmodemSender, slow_lines_get_pieces_of_about_a_second) {
-  for (const std::uint32_t rate : {300U, 1200U, 2400U, 9600U}) {
+  for (const auto& [rate, pieces] : {std::pair{300U, 25}, {1200U, 24}, {2400U, 24}, {9600U, 29}}) {
     SCOPED_TRACE(rate);
     const string data = noise(3 * rate);
     Course course;
@@ -245,6 +252,11 @@ TEST(ZmodemSender, slow_lines_get_pieces_of_about_a_second) {
     const Outcome outcome = run(sender, course);
     expect_complete(outcome, data);
     EXPECT_EQ(outcome.receiver.complaints, 0);
+    int ends = -1;  // that of the offer
+    for (std::size_t at = 0; (at = outcome.there.find('\x18', at)) != string::npos; ++at) {
+      ends += outcome.there[at + 1] >= 'h' && outcome.there[at + 1] <= 'k' ? 1 : 0;
+    }
+    EXPECT_EQ(ends, pieces);
   }
 }
 

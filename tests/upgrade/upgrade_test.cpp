@@ -58,6 +58,9 @@ TEST_F(UpgradeTest, a_complete_load_ends_in_restart_scan_and_receive) {
   EXPECT_LE(windows.boxes[1].at - ended, 8s);
   EXPECT_EQ((windows.boxes[1].at - started) % 1s, 0s) << "looked at each second, and 7 s later";
   EXPECT_FALSE(form3().Visible);
+  std::string wire = "<APP1RV:><A1CODE=Z>";
+  for (int ping = 0; ping < 7; ++ping) wire += "<TXPING:>";  // 4800 is the sixth rate
+  EXPECT_EQ(line.texts(), wire + "<SETPAR:><APP1RV:><APP2RV:><HARDRV:><FINGER:><WEBSIT:><SERIAL:>");
   EXPECT_EQ(panel(1), "Settings: 4800,N,8,1  Com Port: 1");
   EXPECT_EQ(form1().labRevision[1].Caption, " 4.00   ");
   EXPECT_FALSE(form1().Timer1.Enabled());
@@ -75,7 +78,7 @@ TEST_F(UpgradeTest, a_search_that_is_given_up_behind_a_load_ends_it_there) {
 
 TEST_F(UpgradeTest, the_bar_and_the_pictures_follow_the_transfer) {
   load(6000);
-  windows.idle(1950ms);
+  windows.idle(1900ms);
   EXPECT_TRUE(form3().ProgressBar1.Visible);
   EXPECT_EQ(form3().ProgressBar1.Max, 6000);
   EXPECT_EQ(form3().ProgressBar1.Value, 1024);
@@ -97,6 +100,7 @@ TEST_F(UpgradeTest, a_cancel_in_any_phase_closes_the_window_and_leaves_a_link_th
     bool fast;
     const char* wire;
     bool mark_turned = false;  ///< before the cancel
+    bool closed = false;       ///< by the window's own control
   } table[]{
       {"question", 50ms, "none", false, ""},
       {"query", 500ms, "<APP1RV:>", false, "<APP1RV:>"},
@@ -110,6 +114,9 @@ TEST_F(UpgradeTest, a_cancel_in_any_phase_closes_the_window_and_leaves_a_link_th
       {"transfer, fast", 300ms, "none", true, "<APP1RV:><RSBAUD=115200><A1CODE=Z><RSBAUD=9600>"},
       {"mark put on", 1s, "none", false, "<APP1RV:><A1CODE=Z>", true},
       {"mark taken off", 300ms, "none", true, "<APP1RV:><RSBAUD=115200><A1CODE=Z>", true},
+      {"transfer, closed", 700ms, "none", false, "<APP1RV:><A1CODE=Z>", false, true},
+      {"transfer, fast, closed", 300ms, "none", true, "<APP1RV:><RSBAUD=115200><A1CODE=Z>", false,
+       true},
   };
   for (const auto& row : table) {
     SCOPED_TRACE(row.phase);
@@ -122,14 +129,14 @@ TEST_F(UpgradeTest, a_cancel_in_any_phase_closes_the_window_and_leaves_a_link_th
     desk.windows.answers = {{Answer::yes, 100ms}, {Answer::yes}};
     desk.windows.at(desk.now() + row.at, [&] {
       if (row.mark_turned) desk.program.mnuload_Click(fast_item);
-      desk.program.Form3_Command1_Click();
+      row.closed ? desk.program.Form3_Close() : desk.program.Form3_Command1_Click();
     });
     desk.press(&Program::mnuload_Click, load_item);
     desk.windows.idle(20s);
     EXPECT_FALSE(desk.program.forms.form3.Visible);
-    EXPECT_EQ(desk.windows.box_texts(), question + cancel_question);
+    EXPECT_EQ(desk.windows.box_texts(), question + (row.closed ? "" : cancel_question));
     EXPECT_EQ(desk.line.texts(), row.wire);
-    EXPECT_EQ(desk.line.settings.baud, row.fast && row.mark_turned ? 115200 : 9600);
+    EXPECT_EQ(desk.line.settings.baud, row.fast && (row.mark_turned || row.closed) ? 115200 : 9600);
     EXPECT_EQ(desk.loading.receiver.cancelled, desk.loading.started == 1);
     desk.scanner.faults = {};
     desk.scanner.restart();
@@ -302,17 +309,6 @@ TEST_F(UpgradeTest, nothing_else_starts_while_a_load_runs) {
   EXPECT_EQ(scanner.loaded_file().size(), 4000U);
 }
 
-TEST_F(UpgradeTest, the_window_close_control_stops_the_transfer) {
-  load(2000);
-  windows.at(now() + 700ms, [&] { program.Form3_Close(); });
-  windows.idle(10s);
-  EXPECT_TRUE(loading.receiver.cancelled);
-  EXPECT_FALSE(form3().Visible);
-  EXPECT_EQ(windows.box_texts(), question);
-  press(&Program::cmdReceive_Click);
-  EXPECT_EQ(panel(2), "");
-}
-
 TEST_F(UpgradeTest, the_process_can_end_at_any_moment_of_a_load) {
   for (const bool menu : {false, true}) {
     for (Time after = 0ms; after < 14s; after += 470ms) {
@@ -332,21 +328,25 @@ TEST_F(UpgradeTest, the_process_can_end_at_any_moment_of_a_load) {
   }
 }
 
-TEST_F(UpgradeTest, an_exit_gives_the_cancel_its_time_while_the_mouse_moves) {
+TEST_F(UpgradeTest, an_exit_gives_the_cancel_its_time_while_the_mouse_moves_and_no_more) {
   for (const auto leave : {&Program::mnuexit_Click, &Program::Form_Unload}) {
-    Desk desk;
-    desk.scanner.rate(1200);
-    desk.start();
-    desk.load(random_image(20000, 1), false);
-    const Time moment = desk.now() + 2s;
-    desk.windows.at(moment, [&] {
-      for (Time at = moment; at < moment + 200ms; at += 1ms) desk.windows.at(at, [] {});
-      (desk.program.*leave)();
-    });
-    desk.windows.idle(3s);
-    EXPECT_TRUE(desk.windows.ended);
-    EXPECT_TRUE(desk.loading.receiver.cancelled) << "the receiver never hears of the exit";
-    EXPECT_LE(desk.now(), moment + 150ms);
+    for (const bool stands : {false, true}) {
+      Desk desk;
+      desk.scanner.rate(1200);
+      desk.start();
+      desk.load(random_image(20000, 1), false);
+      const Time moment = desk.now() + 2s;
+      desk.windows.at(moment, [&] {
+        desk.line.stands = stands;
+        for (Time at = moment; !stands && at < moment + 200ms; at += 1ms)
+          desk.windows.at(at, [] {});
+        (desk.program.*leave)();
+      });
+      desk.windows.idle(3s);
+      EXPECT_TRUE(desk.windows.ended);
+      EXPECT_EQ(desk.loading.receiver.cancelled, !stands) << "the receiver never hears of the exit";
+      EXPECT_LE(desk.now(), moment + 150ms);
+    }
   }
 }
 

@@ -4,6 +4,7 @@
 usage: program_test.py ORVEXCTL SIMULATOR SCHEMA
 """
 import concurrent.futures
+import contextlib
 import json
 import os
 import re
@@ -205,6 +206,22 @@ class Sequences(unittest.TestCase):
             load = ["bash", "-c", '"$@" <&- >&- 2>&-', "bash", PROGRAM, "--device", desk.link, "load", desk.path / "new"]
             self.assertEqual(subprocess.run(load, timeout=PATIENCE).returncode, 6)
             self.assertEqual(desk.json("show", "RSBAUD")[1]["revisions"]["application1"], "4.00   ")
+
+    def test_a_signal_ends_a_program_whose_output_nobody_takes(self):
+        reader, writer = os.pipe()
+        os.set_blocking(writer, False)
+        with contextlib.suppress(BlockingIOError):
+            while True:
+                os.write(writer, bytes(4096))
+        os.set_blocking(writer, True)
+        with Desk() as desk:
+            process = subprocess.Popen([PROGRAM, "--device", desk.link, "show", "--trace", desk.path / "trace"],
+                                       stdout=writer, stderr=subprocess.DEVNULL)
+            desk.wait(lambda: (desk.path / "trace").exists() and "closed" in (desk.path / "trace").read_text())
+            desk.wait(lambda: process.send_signal(signal.SIGTERM) or process.poll() is not None)
+            self.assertEqual(process.returncode, 130)
+        os.close(reader)
+        os.close(writer)
 
     def test_a_signal_that_is_ignored_at_the_start_stays_so(self):
         with Desk("--fault", "silent") as desk:

@@ -120,6 +120,7 @@ ROWS = [
     # Files.
     Row("none", "send missing", 6, "missing"),
     Row("none", "send text", 6, "no setup"),
+    Row("none", "diff slip", 6, "SPVOLU has no such value. There are OFF (Off), LOW"),
     Row("none", "diff .", 6, ""),
     Row("none", "load short", 6, "no firmware"),
     Row("none", "load odd", 6, "no firmware"),

@@ -28,14 +28,6 @@ std::optional<QString> decoded(std::string_view utf8) {
   return text;
 }
 
-QString list_of_values(const Parameter& row) {
-  QStringList values;
-  for (const auto& choice : row.choices) {
-    values += text_of(choice.value) + " (" + text_of(choice.caption) + ")";
-  }
-  return values.join(", ");
-}
-
 std::size_t choice_of(const Parameter& row, const QString& value) {
   const auto is = [&](std::string_view text) {
     return value.compare(text_of(text), Qt::CaseInsensitive) == 0;
@@ -108,6 +100,14 @@ PartialSetup read_assignments(const std::vector<std::string>& words) {
     wanted.take(field, setup);
   }
   return wanted;
+}
+
+QString list_of_values(const Parameter& row) {
+  QStringList values;
+  for (const auto& choice : row.choices) {
+    values += text_of(choice.value) + " (" + text_of(choice.caption) + ")";
+  }
+  return values.join(", ");
 }
 
 QString name_of(Field field) {

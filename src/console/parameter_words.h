@@ -18,6 +18,9 @@ Field field_named(const std::string& name);
 /// right.
 PartialSetup read_assignments(const std::vector<std::string>& words);
 
+/// The values of a parameter that isn't a text, each with its meaning.
+QString list_of_values(const Parameter& row);
+
 QString name_of(Field field);
 /// What the parameter is, as on the main window: "Baud Rate".
 QString caption_of(Field field);

@@ -107,7 +107,9 @@ int run_program(const std::vector<std::string>& arguments) {
   try {
     const Options options = parse_options(arguments);
     json = options.json;
-    return print(run_options(options), json);
+    const Outcome outcome = run_options(options);
+    end_at_once(exit_code::interrupted);
+    return print(outcome, json);
   } catch (const Help& help) {
     std::fputs(help.text.toUtf8().constData(), stdout);
     return std::fflush(stdout) == 0 ? exit_code::done : exit_code::file_error;

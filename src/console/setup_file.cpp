@@ -2,15 +2,34 @@
 
 #include "base/run_time_error.h"
 #include "console/failure.h"
+#include "console/parameter_words.h"
+#include "link/frame.h"
 #include "setup/apply.h"
 #include "setupfiles/setup_files.h"
 
 namespace orvex {
+namespace {
+
+/// A slip in a file must not pass for nothing that differs.
+void require_listed_values(const PartialSetup& setup, std::string_view text,
+                           const std::filesystem::path& path) {
+  for (const auto& row : parameters()) {
+    if (row.is_text() || setup.knows(row.field)) continue;
+    const std::string named = SOH + ("<" + std::string(row.name)) + "=";
+    if (text.find(named) == std::string_view::npos) continue;
+    throw Failure{exit_code::file_error, words_of(path) + ": " + name_of(row.field) +
+                                             " has no such value. There are " +
+                                             list_of_values(row)};
+  }
+}
+
+}  // namespace
 
 PartialSetup read_setup(Console& console, const std::filesystem::path& path) {
   try {
     const std::string text = read_setup_file(console, path);
     PartialSetup setup([&](ScannerSetup& values) { Apply_Stream(values, text, [] {}); });
+    require_listed_values(setup, text, path);
     if (!setup.knows_nothing()) return setup;
   } catch (const RunTimeError& error) {
     throw Failure{exit_code::file_error,

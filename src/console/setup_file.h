@@ -7,7 +7,8 @@
 
 namespace orvex {
 
-/// What a setup file names. Throws Failure, file error, if it can't be read or names nothing.
+/// What a setup file names. Throws Failure, file error, if it can't be read, names nothing, or
+/// names a value that its parameter doesn't have.
 PartialSetup read_setup(Console& console, const std::filesystem::path& path);
 
 /// The name of a file for people.

@@ -17,4 +17,8 @@ void on_end_request(QObject& context, std::function<void()> act) {
                    });
 }
 
+void end_at_once(int code) {
+  platform::end_at_once(code);
+}
+
 }  // namespace orvex

@@ -7,7 +7,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <charconv>
 #include <fstream>
@@ -126,18 +125,22 @@ bool is_trusted_port(std::intptr_t port_handle) {
   return !is_pseudo_terminal(status) || status.st_uid == 0 || status.st_uid == ::geteuid();
 }
 
-bool has_odd_lock(const std::string& device) {
+std::vector<fs::path> locks_of(const std::string& device) {
   constexpr std::string_view devices = "/dev/";
-  constexpr off_t most_bytes = 1024;
-  // The folders that QSerialPort looks through for a lock.
-  constexpr std::array folders{"/var/lock", "/etc/locks",       "/var/spool/locks",
-                               "/tmp",      "/var/spool/uucp",  "/var/tmp",
-                               "/run/lock", "/var/lock/lockdev"};
   std::string name = device.starts_with(devices) ? device.substr(devices.size()) : device;
   std::ranges::replace(name, '/', '_');
-  return std::ranges::any_of(folders, [&](const char* folder) {
+  std::vector<fs::path> locks;
+  for (const fs::path folder : {"/var/lock", "/etc/locks", "/var/spool/locks", "/var/spool/uucp",
+                                "/tmp", "/var/tmp", "/var/lock/lockdev", "/run/lock"}) {
+    locks.push_back(folder / ("LCK.." + name));
+  }
+  return locks;
+}
+
+bool has_odd_lock(const std::string& device) {
+  constexpr off_t most_bytes = 1024;
+  return std::ranges::any_of(locks_of(device), [](const fs::path& lock) {
     struct stat status {};
-    const fs::path lock = fs::path(folder) / ("LCK.." + name);
     if (::lstat(lock.c_str(), &status) != 0) return false;
     return !S_ISREG(status.st_mode) || status.st_size > most_bytes;
   });

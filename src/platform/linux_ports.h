@@ -24,6 +24,10 @@ DeviceKind kind_of_device(const std::string& path);
 /// whoever made it. Asked of the open port, since a name may change its meaning.
 bool is_trusted_port(std::intptr_t port_handle);
 
+/// Where the serial port may keep the device's lock: it takes the first of these folders that it
+/// can use.
+std::vector<std::filesystem::path> locks_of(const std::string& device);
+
 /// True if a lock of the device isn't a regular file of at most 1 KiB. Folders of locks are open
 /// to all users, and the serial port waits for a pipe and reads a file of any size.
 bool has_odd_lock(const std::string& device);

@@ -16,6 +16,7 @@ namespace {
 // A signal handler has nothing else to reach them by.
 int end_request_reader = -1;
 int end_request_writer = -1;
+volatile sig_atomic_t code_at_once = 0;
 
 void tell_end_request(int /*signal*/) {
   const int kept = errno;
@@ -25,15 +26,13 @@ void tell_end_request(int /*signal*/) {
   errno = kept;
 }
 
-}  // namespace
+void end_now(int /*signal*/) {
+  ::_exit(code_at_once);
+}
 
-int end_request() {
-  int ends[2];
-  if (::pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0) return -1;
-  end_request_reader = ends[0];
-  end_request_writer = ends[1];
+void have_end_requests_call(void (*handler)(int)) {
   struct sigaction action {};
-  action.sa_handler = tell_end_request;
+  action.sa_handler = handler;
   action.sa_flags = SA_RESTART;
   for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
     struct sigaction present {};
@@ -41,7 +40,22 @@ int end_request() {
     if (::sigaction(signal, nullptr, &present) == 0 && present.sa_handler == SIG_IGN) continue;
     ::sigaction(signal, &action, nullptr);
   }
+}
+
+}  // namespace
+
+int end_request() {
+  int ends[2];
+  if (::pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0) return -1;
+  end_request_reader = ends[0];
+  end_request_writer = ends[1];
+  have_end_requests_call(tell_end_request);
   return end_request_reader;
+}
+
+void end_at_once(int code) {
+  code_at_once = code;
+  have_end_requests_call(end_now);
 }
 
 bool is_terminal(Stream stream) {

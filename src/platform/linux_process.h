@@ -6,4 +6,7 @@ namespace orvex::platform {
 /// logout; -1 if there can be none. A signal that was ignored so far stays so. Asked for once.
 int end_request();
 
+/// From now on such a request ends the process at once, with this exit code.
+void end_at_once(int code);
+
 }  // namespace orvex::platform

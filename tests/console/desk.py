@@ -46,6 +46,7 @@ class Desk:
                 self.simulator = subprocess.Popen([SIMULATOR, *options, self.link], stdin=subprocess.PIPE, stdout=log)
             self.wait(self.link.is_symlink)
         for name, content in {"low": setup_file(SPVOLU="LOW", RSDELY="000"), "text": b"no setup",
+                              "slip": setup_file(SPVOLU="Low", RSDELY="000"),
                               "new": image("4.00"), "old": image("1.00"), "short": b"x" * 108,
                               "odd": image("none"), "big": image("4.00", 262144)}.items():
             (self.path / name).write_bytes(content)

@@ -115,6 +115,8 @@ class Ansible(unittest.TestCase):
             (fleet.path / "till.txt").write_bytes(setup_file(SPVOLU="OFF", PREFIX="[STX]"))
             plays = [self.play(fleet), self.play(fleet)]
             self.assertEqual((plays, fleet.sends()), ([8 * 2, 0], 8))
+            (fleet.path / "till-1.txt").unlink()  # as on a machine that is new
+            self.assertEqual(self.play(fleet, "--check --limit till-1", hosts=1), 1)
             (fleet.path / "till.txt").write_bytes(setup_file(SPVOLU="OFF", PREFIX="[STX]", SUFFIX="[ETX]"))
             shutil.copy(fleet.path / "till.txt", fleet.path / "till-1.txt")
             self.assertEqual((self.play(fleet, "--check --limit till-1", hosts=1), fleet.sends()), (1, 8))

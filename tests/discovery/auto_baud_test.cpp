@@ -102,6 +102,7 @@ TEST_F(ScanTest, an_ack_wins_over_the_tick_in_its_pass_and_counts_for_no_later_r
   for (const int threshold : {1, 0}) {
     LinkDesk desk;
     desk.line.paced = false;
+    desk.scanner.rate(19200);
     desk.scanner.faults.silent = simulator::always;
     desk.state.PortCom = "1";
     desk.MSComm1.RThreshold(threshold);
@@ -123,18 +124,19 @@ TEST_F(ScanTest, noise_in_one_piece_with_the_ack_is_skipped) {
   }
 }
 
-TEST_F(ScanTest, retry_opens_the_port_again_and_starts_at_9600_behind_the_splash_window) {
-  scanner.faults.silent = 1;
-  windows.answers = {{Answer::retry, 10s}};
+TEST_F(ScanTest, each_retry_opens_the_port_again_and_starts_at_9600_behind_the_splash_window) {
+  scanner.faults.silent = 2;
+  windows.answers = {{Answer::retry, 10s}, {Answer::retry}};
   windows.at(6s, [&] {
     EXPECT_TRUE(program.forms.form2.Visible);
     EXPECT_FALSE(menus());
   });
   start();
-  EXPECT_EQ(windows.box_texts(), "[Connection Failed]") << "no step has failed";
-  EXPECT_EQ(line.opens, 2);
-  ASSERT_GT(line.frames.size(), 8U);
+  EXPECT_EQ(windows.box_texts(), "[Connection Failed][Connection Failed]") << "no step has failed";
+  EXPECT_EQ(line.opens, 3);
+  ASSERT_GT(line.frames.size(), 16U);
   EXPECT_EQ(line.frames[8].at, 14s);
+  EXPECT_EQ(line.frames[16].at, 18s);
   EXPECT_EQ(panel(1), "Settings: 9600,N,8,1  Com Port: 1");
   EXPECT_EQ(buttons(), "SRFW");
 }
@@ -155,17 +157,6 @@ TEST_F(ScanTest, a_step_that_failed_in_an_earlier_pass_is_told_and_the_run_goes_
     EXPECT_EQ(desk.panel(1), "Settings: 9600,N,8,1  Com Port: 1");
     EXPECT_EQ(desk.buttons(), "SRFW");
   }
-}
-
-TEST_F(ScanTest, each_retry_is_a_pass_of_its_own_and_a_cancel_ends_them) {
-  scanner.faults.silent = simulator::always;
-  windows.answers = {{Answer::retry}, {Answer::retry}, {Answer::cancel}};
-  start();
-  EXPECT_EQ(line.opens, 3);
-  EXPECT_EQ(line.frames.size(), 24U);
-  EXPECT_FALSE(line.is_open());
-  EXPECT_EQ(buttons(), "---W");
-  EXPECT_TRUE(menus());
 }
 
 TEST_F(ScanTest, a_port_that_cannot_be_opened_takes_the_closed_exit) {

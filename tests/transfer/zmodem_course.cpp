@@ -104,6 +104,12 @@ void expect_failed(const Outcome& outcome, const std::string& reason) {
   EXPECT_NE(outcome.reason.find(reason), std::string::npos) << outcome.reason;
 }
 
+int times(std::string_view part, std::string_view text) {
+  int found = 0;
+  for (std::size_t at = 0; (at = text.find(part, at)) != std::string_view::npos; ++at) ++found;
+  return found;
+}
+
 std::string answer(unsigned type, std::uint32_t value) {
   return zmodem_hex_header({static_cast<ZmodemFrame>(type), value});
 }

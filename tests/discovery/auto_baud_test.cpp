@@ -52,6 +52,7 @@ TEST_F(ScanTest, eight_silent_rates_take_four_seconds_to_the_nanosecond) {
   EXPECT_TRUE(menus());
   EXPECT_TRUE(form1().SSTab1.Enabled);
   EXPECT_EQ(panel(1), "Settings: 9600,N,8,1  Com Port: 1");
+  EXPECT_EQ(form1().port_tip, "COM 1, /dev/virtual1: closed");
   EXPECT_EQ(form1().FrameLED, Indicator::imgConnected);
   EXPECT_TRUE(form1().Timer1.Enabled());
   EXPECT_FALSE(program.forms.form2.Visible);
@@ -165,6 +166,7 @@ TEST_F(ScanTest, a_port_that_cannot_be_opened_takes_the_closed_exit) {
   EXPECT_EQ(windows.box_texts().substr(0, no_port.size()), no_port);
   EXPECT_EQ(windows.boxes[0].box.icon, Icon::none);
   EXPECT_EQ(panel(1), "Settings: Closed");
+  EXPECT_EQ(form1().port_tip, "COM 1, /dev/virtual1: held by another program");
   EXPECT_EQ(form1().FrameLED, Indicator::imgNotConnected);
   EXPECT_FALSE(form1().SSTab1.Enabled);
   EXPECT_FALSE(program.forms.form2.Visible);
@@ -174,6 +176,12 @@ TEST_F(ScanTest, a_port_that_cannot_be_opened_takes_the_closed_exit) {
   press(&Program::mnuauto_Click);
   EXPECT_TRUE(form1().SSTab1.Enabled);
   EXPECT_EQ(buttons(), "SRFW");
+  EXPECT_EQ(form1().port_tip, "/dev/virtual1");
+  scanner.faults.silent = simulator::always;
+  windows.answers = {{Answer::cancel}};
+  windows.at(now() + 1s, [&] { line.unplug(); });
+  press(&Program::mnuauto_Click);
+  EXPECT_EQ(form1().port_tip, "COM 1, /dev/virtual1: unplugged") << "a cancel keeps the cause";
 }
 
 TEST_F(ScanTest, a_port_that_goes_before_a_retry_leaves_the_splash_window) {
@@ -184,31 +192,6 @@ TEST_F(ScanTest, a_port_that_goes_before_a_retry_leaves_the_splash_window) {
   EXPECT_EQ(windows.box_texts().substr(0, 19 + no_port.size()), "[Connection Failed]" + no_port);
   EXPECT_TRUE(program.forms.form2.Visible);
   EXPECT_TRUE(menus());
-}
-
-TEST_F(ScanTest, the_tool_tip_of_panel_1_tells_the_device_or_why_the_port_is_not_open) {
-  const std::string& tip = form1().port_tip;
-  start();
-  EXPECT_EQ(tip, "/dev/virtual1");
-  line.unplug();
-  EXPECT_EQ(tip, "COM 1, /dev/virtual1: unplugged");
-  press(&Program::mnuauto_Click);
-  EXPECT_EQ(tip, "COM 1, /dev/virtual1: no such device");
-  line.plug();
-  line.refuses_open = true;
-  press(&Program::mnuauto_Click);
-  EXPECT_EQ(tip, "COM 1, /dev/virtual1: held by another program");
-  line.refuses_open = false;
-  press(&Program::mnuauto_Click);
-  EXPECT_EQ(tip, "/dev/virtual1");
-  scanner.faults.silent = simulator::always;
-  windows.answers = {{Answer::cancel}};
-  press(&Program::mnuauto_Click);
-  EXPECT_EQ(tip, "COM 1, /dev/virtual1: closed");
-  windows.answers = {{Answer::cancel}};
-  windows.at(now() + 1s, [&] { line.unplug(); });
-  press(&Program::mnuauto_Click);
-  EXPECT_EQ(tip, "COM 1, /dev/virtual1: unplugged") << "the first cause stays";
 }
 
 TEST_F(ScanTest, a_stored_port_that_is_none_is_told_and_the_present_one_is_scanned) {

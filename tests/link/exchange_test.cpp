@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
+
 #include "link/frame.h"
 #include "testing/virtual/desk.h"
 
@@ -159,17 +161,14 @@ TEST_F(ExchangeTest, replies_fill_their_labels_uncut_where_they_are_short) {
                   {"<WEBSIT:>", "www.16letters.ex\r\n", "www.16letters.ex\r"},
                   {"<SERIAL:>", "000000000000000000004711\r\n", "000000000000000000004711\r\n"}};
   Form1& form1 = forms.form1;
+  const std::map<std::string, const Label*> labels{
+      {"<APP1RV:>", &form1.labRevision[1]}, {"<APP2RV:>", &form1.labRevision[2]},
+      {"<HARDRV:>", &form1.labRevision[3]}, {"<FINGER:>", &form1.labRevision[4]},
+      {"<WEBSIT:>", &form1.labWeb},         {"<SERIAL:>", &form1.Label4}};
   for (const auto& row : table) {
     scanner.faults.other_reply = row.reply;
-    const std::string tag = row.tag;
-    EXPECT_EQ(send(tag), 1) << tag;
-    const std::string& shown = tag == "<APP1RV:>"   ? form1.labRevision[1].Caption
-                               : tag == "<APP2RV:>" ? form1.labRevision[2].Caption
-                               : tag == "<HARDRV:>" ? form1.labRevision[3].Caption
-                               : tag == "<FINGER:>" ? form1.labRevision[4].Caption
-                               : tag == "<WEBSIT:>" ? form1.labWeb.Caption
-                                                    : form1.Label4.Caption;
-    EXPECT_EQ(shown, row.shown) << tag;
+    EXPECT_EQ(send(row.tag), 1) << row.tag;
+    EXPECT_EQ(labels.at(row.tag)->Caption, row.shown) << row.tag;
   }
 }
 

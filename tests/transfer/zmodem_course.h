@@ -96,6 +96,7 @@ struct Outcome {
   FileEngine::State state = FileEngine::State::running;
   std::string reason;
   bool finished = false;
+  bool sleeps = true;  // a tick does what it wanted to be woken for
   Time took{};         // until the engine has finished
   Time last_answer{};  // when the receiver last said something
   std::uint64_t progress = 0;

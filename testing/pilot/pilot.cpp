@@ -170,7 +170,8 @@ bool Pilot::choose_file() {
   dialogs_.append(dialog->windowTitle() + '|' + dialog->selectedNameFilter());
   auto* name = dialog->findChild<QLineEdit*>("fileNameEdit");
   name->setText(files_.takeFirst());
-  dialog->metaObject()->invokeMethod(dialog, "accept");
+  // Not from within the timer that looks, which would miss what the dialog asks.
+  QMetaObject::invokeMethod(dialog, "accept", Qt::QueuedConnection);
   return true;
 }
 

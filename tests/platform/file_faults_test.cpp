@@ -1,4 +1,4 @@
-// The state file in folders and under rights that refuse it, behind links and between two tools.
+// The state file in folders and under rights that refuse it, and behind links.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -171,43 +171,6 @@ TEST(FileFaults, a_link_that_somebody_else_made_in_a_folder_of_all_is_not_writte
     EXPECT_EQ(as_user(no_limit, save), row.error) << row.owner;
     EXPECT_EQ(content(own), row.error == 0 ? "new" : "old");
   }
-}
-
-TEST(FileFaults, two_tools_at_once_never_mix_what_they_save) {
-  const TemporaryFolder folder;
-  PortState state;
-  Load_Ini(state, folder.path());
-  const std::array texts{"2400,N,8,1", "115200,E,8,1"};
-  const fs::path stop = folder / "stop";
-  const pid_t reader = ::getpid();
-  std::array<pid_t, 2> tools{};
-  for (std::size_t tool = 0; tool < tools.size(); ++tool) {
-    tools[tool] = start_child([&] {
-      while (!fs::exists(stop) && ::getppid() == reader) {
-        if (!save_ini(state, static_cast<int>(tool) + 1, texts[tool])) return 1;
-      }
-      return 0;
-    });
-  }
-  std::array<int, 2> seen{};
-  int mixed = 0;
-  for (int i = 0; i < 1'000'000 && mixed == 0 && std::ranges::min(seen) < 500; ++i) {
-    PortState read;
-    Load_Ini(read, folder.path());
-    if (read.PortSet == "9600,n,8,1" && std::ranges::max(seen) == 0)
-      continue;  // none has saved yet
-    const int port = stored_port(read.PortCom);
-    if ((port == 1 || port == 2) && read.PortSet == texts[static_cast<std::size_t>(port) - 1]) {
-      ++seen[static_cast<std::size_t>(port) - 1];
-    } else {
-      ++mixed;
-    }
-  }
-  folder.write("stop", "");
-  for (const pid_t tool : tools) EXPECT_EQ(result_of(tool), 0);
-  EXPECT_EQ(mixed, 0);
-  EXPECT_GE(std::ranges::min(seen), 500) << "reads of what the one and the other saved";
-  EXPECT_EQ(unfinished(folder.path()), 0);
 }
 
 }  // namespace

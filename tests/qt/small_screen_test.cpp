@@ -184,23 +184,6 @@ TEST_P(SmallScreen, the_boxes_of_a_load_are_its_windows_and_leave_the_head_in_vi
   EXPECT_TRUE(form3->isVisible()) << "Enter cancels the load";
 }
 
-TEST_P(SmallScreen, the_longest_box_is_on_the_screen) {
-  pilot_->leave_boxes_alone();
-  bool seen = false;
-  QTimer::singleShot(100, pilot_->find("Form1"), [&] {
-    expect_on_screen("MsgBox");
-    seen = true;
-    QApplication::activeModalWidget()->close();
-  });
-  pilot_->desktop().windows.handle([&] {
-    pilot_->desktop().windows.MsgBox(
-        {.text = "RESTART the scanner by DISCONNET and RECONNECT the power "
-                 "cable\nthen press OK to continue",
-         .title = "Restart"});
-  });
-  EXPECT_TRUE(seen);
-}
-
 INSTANTIATE_TEST_SUITE_P(Type, SmallScreen, ::testing::Values(1, 2));
 
 }  // namespace

@@ -2,7 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <map>
 #include <numeric>
+#include <set>
+#include <utility>
 
 #include "base/run_time_error.h"
 #include "parameter_table.h"
@@ -37,6 +41,26 @@ TEST(ScannerSetup, every_parameter_has_its_place_its_initial_value_and_no_value_
       ScannerSetup received;
       Apply_Stream(received, scanner.frames() + "\r\n", [] {});
       EXPECT_EQ(joined(received), joined(sent));
+    }
+  }
+}
+
+TEST(ScannerSetup, the_frames_of_a_page_lie_side_by_side_without_a_gap) {
+  std::map<std::string, std::set<std::pair<int, int>>> cells;  // by tab and outer frame
+  for (const FrameLayout& frame : frames()) {
+    auto& page = cells[std::to_string(frame.tab) + std::string(frame.inside)];
+    for (int row = frame.row; row < frame.row + frame.row_span; ++row) {
+      EXPECT_TRUE(page.emplace(frame.column, row).second) << frame.name << " covers another";
+    }
+    const auto held = std::ranges::find(parameters(), frame.name, &Parameter::frame);
+    if (held == parameters().end() || held->is_text()) continue;
+    EXPECT_LE(frame.option_columns, static_cast<int>(held->choices.size())) << frame.name;
+  }
+  for (const auto& [page, taken] : cells) {
+    const int top = page == "6Frame11" ? 1 : 0;  // below the frame's own options
+    for (const auto& [column, row] : taken) {
+      EXPECT_TRUE(row == top || taken.contains({column, row - 1})) << page;
+      EXPECT_TRUE(column == 0 || taken.contains({column - 1, row})) << page;
     }
   }
 }

@@ -66,12 +66,12 @@ TEST_F(SetupFilesTest, the_text_is_fixed_before_the_dialog_appears) {
 }
 
 TEST_F(SetupFilesTest, a_file_that_shrinks_while_it_is_read_ends_where_it_ends) {
-  const auto path = folder.write("file", setup_file_text(setup) + std::string(3 << 20, ' '));
+  const auto path = folder.write(
+      "file", setup_file_text(setup) + std::string(3 << 20, ' ') + "\x01<CD39EN=1>\x04");
   windows.at(0ms, [&] { std::filesystem::resize_file(path, 2 << 20); });
   setup.choose(Field::SPVOLU, 0);
   open(path);
-  EXPECT_EQ(std::filesystem::file_size(path), 2U << 20) << "the window had no turn";
-  EXPECT_EQ(setup, ScannerSetup());
+  EXPECT_EQ(setup, ScannerSetup()) << "the window has its turns";
 }
 
 TEST_F(SetupFilesTest, a_cancelled_dialog_shows_nothing_and_a_failure_one_box) {

@@ -56,7 +56,12 @@ Outcome run(FileEngine& engine, const Course& course) {
     const std::string heard = back.advance(now);
     if (!heard.empty()) outcome.last_answer = now;
     engine.receive(heard, now);
-    if (engine.wake() && *engine.wake() <= now) engine.tick(now);
+    if (engine.wake() && *engine.wake() <= now) {
+      engine.tick(now);
+      // A line that takes nothing would have it called without end. A CRC is taken step by step.
+      const Time wake = engine.wake().value_or(Time::max());
+      outcome.sleeps = outcome.sleeps && (wake > now || wake == Time{});
+    }
     if (course.each_step) course.each_step(engine, now);
     if (engine.take_discard()) there.discard();
     for (;;) {
@@ -91,6 +96,7 @@ Outcome send(const std::string& data, const Course& course) {
 void expect_complete(const Outcome& outcome, const std::string& data) {
   EXPECT_EQ(outcome.state, FileEngine::State::complete) << outcome.reason;
   EXPECT_TRUE(outcome.finished);
+  EXPECT_TRUE(outcome.sleeps);
   EXPECT_EQ(outcome.progress, data.size());
   EXPECT_TRUE(outcome.progress_true);
   EXPECT_TRUE(outcome.receiver.file == data);
@@ -100,8 +106,15 @@ void expect_complete(const Outcome& outcome, const std::string& data) {
 void expect_failed(const Outcome& outcome, const std::string& reason) {
   EXPECT_EQ(outcome.state, FileEngine::State::failed);
   EXPECT_TRUE(outcome.finished);
+  EXPECT_TRUE(outcome.sleeps);
   EXPECT_TRUE(outcome.progress_true);
   EXPECT_NE(outcome.reason.find(reason), std::string::npos) << outcome.reason;
+}
+
+int times(std::string_view part, std::string_view text) {
+  int found = 0;
+  for (std::size_t at = 0; (at = text.find(part, at)) != std::string_view::npos; ++at) ++found;
+  return found;
 }
 
 std::string answer(unsigned type, std::uint32_t value) {

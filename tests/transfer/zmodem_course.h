@@ -96,6 +96,7 @@ struct Outcome {
   FileEngine::State state = FileEngine::State::running;
   std::string reason;
   bool finished = false;
+  bool sleeps = true;  // a tick does what it wanted to be woken for
   Time took{};         // until the engine has finished
   Time last_answer{};  // when the receiver last said something
   std::uint64_t progress = 0;
@@ -112,6 +113,9 @@ Outcome send(const std::string& data, const Course& course);
 
 void expect_complete(const Outcome& outcome, const std::string& data);
 void expect_failed(const Outcome& outcome, const std::string& reason);
+
+/// How often `part` is in the text.
+int times(std::string_view part, std::string_view text);
 
 /// A header of the type with this number, as a receiver prints it.
 std::string answer(unsigned type, std::uint32_t value);

@@ -58,9 +58,7 @@ TEST(ZmodemSender, keeps_to_what_each_kind_of_receiver_announces) {
     expect_complete(outcome, data);
     EXPECT_EQ(outcome.there.find("\x18j") != string::npos, c.request_seen);
     EXPECT_EQ(outcome.there.find("*\030C") != string::npos, c.crc32_seen);
-    int waits = 0;
-    for (std::size_t at = 0; (at = outcome.there.find("\030k", at)) != string::npos; ++at) ++waits;
-    EXPECT_EQ(waits, c.waits);
+    EXPECT_EQ(times("\030k", outcome.there), c.waits);
     const auto bare_control = [](char byte) { return (byte & 0x60) == 0 && byte != 0x18; };
     const std::string_view in_frames =
         std::string_view(outcome.there).substr(100, outcome.there.size() - 200);
@@ -75,7 +73,7 @@ TEST(ZmodemSender, few_answers_are_asked_for_where_the_line_outruns_its_rate_and
     Time byte_time;
     Time step;
     Damage there;
-    std::size_t least, most;  // answers
+    int least, most;  // answers
   } cases[]{{Time(86806), 1ms, {}, 256, 600},
             {Time(86806), 1ms, {.flip_every = 10000}, 256, 600},
             {1us, 100us, {}, 16, 64},
@@ -88,8 +86,7 @@ TEST(ZmodemSender, few_answers_are_asked_for_where_the_line_outruns_its_rate_and
     course.driver_room = 32768;
     const Outcome outcome = send(data, course);
     expect_complete(outcome, data);
-    std::size_t answers = 0;
-    for (std::size_t at = 0; (at = outcome.back.find("B03", at)) != string::npos; ++at) ++answers;
+    const int answers = times("B03", outcome.back);
     EXPECT_GE(answers, c.least);
     EXPECT_LE(answers, c.most);
   }
@@ -253,9 +250,7 @@ TEST(ZmodemSender, slow_lines_get_pieces_of_about_a_second) {
     expect_complete(outcome, data);
     EXPECT_EQ(outcome.receiver.complaints, 0);
     int ends = -1;  // that of the offer
-    for (std::size_t at = 0; (at = outcome.there.find('\x18', at)) != string::npos; ++at) {
-      ends += outcome.there[at + 1] >= 'h' && outcome.there[at + 1] <= 'k' ? 1 : 0;
-    }
+    for (const char* end : {"\030h", "\030i", "\030j", "\030k"}) ends += times(end, outcome.there);
     EXPECT_EQ(ends, pieces);
   }
 }

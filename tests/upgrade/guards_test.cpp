@@ -87,13 +87,5 @@ TEST_F(GuardsTest, a_fast_load_keeps_all_of_the_settings_but_the_rate) {
   }
 }
 
-TEST_F(GuardsTest, a_fast_load_that_is_refused_leaves_the_port_and_saves_its_settings) {
-  forms.form1.mnuload[5].Checked = true;
-  scanner.faults.refused = 3;
-  EXPECT_EQ(Fast_Load(link), 0);
-  EXPECT_EQ(MSComm1.Settings(), "9600,N,8,1");
-  EXPECT_EQ(state.SavedSettings, "9600,N,8,1");
-}
-
 }  // namespace
 }  // namespace orvex::testing

@@ -138,7 +138,7 @@ class Session {
 }  // namespace orvex
 
 int main(int argc, char* argv[]) {
-  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+  orvex::choose_screen();
   const QApplication application(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);
   try {

@@ -48,7 +48,7 @@ constexpr Named all[]{
 };
 
 TEST(Names, every_control_is_found_by_its_own_name) {
-  Pilot pilot({}, false);
+  Pilot pilot({}, 0);
   pilot.desktop().make_windows();
   EXPECT_TRUE(pilot.find("cmdSend")->whatsThis().startsWith("Receive, change, Send"));
   for (const Named& row : all) {

@@ -7,7 +7,7 @@ foreach(part qt6-base-dev libz-mingw-w64-dev g++-mingw-w64-x86-64-posix mingw-w6
 endforeach()
 
 # The user's documents, as on other systems.
-install_documents(.)
+install_documents(DESTINATION .)
 install(FILES ${PROJECT_SOURCE_DIR}/packaging/orvexctl.schema.json DESTINATION .)
 
 set(CPACK_GENERATOR NSIS)

@@ -42,6 +42,14 @@ void Pilot::look() {
   looker_.start(look_ms);
 }
 
+Pilot::~Pilot() {
+  desktop_.reset();
+  QFile log(qEnvironmentVariable("ORVEX_WIRE_LOG"));
+  if (!scanner_ || log.fileName().isEmpty() || !log.open(QIODevice::Append)) return;
+  wait_for([] { return false; }, 50);  // the simulator may have to say something yet
+  log.write(scanner_log().toLocal8Bit());
+}
+
 void Pilot::start() {
   desktop_->windows.handle([this] { desktop_->program.Main(); });
 }

@@ -20,6 +20,10 @@ class Pilot {
   /// `simulator_options` as on the simulator's command line; it is on COM `port`, 1 or 2, or 0 for
   /// none.
   explicit Pilot(const QStringList& simulator_options, int port = 1);
+  /// Appends what the simulator has printed to the file ORVEX_WIRE_LOG, if the environment has it.
+  ~Pilot();
+  Pilot(const Pilot&) = delete;
+  Pilot& operator=(const Pilot&) = delete;
 
   /// Runs the program's entry: returns once the main window is up, and idle.
   void start();

@@ -14,6 +14,7 @@
 #include <stdexcept>
 
 #include "loop/text.h"
+#include "qt/look.h"
 #include "testing/pilot/pilot.h"
 
 namespace orvex {
@@ -171,6 +172,7 @@ int main(int argc, char* argv[]) {
   orvex::choose_screen();
   const QApplication application(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);
+  orvex::set_look();
   try {
     orvex::Session(argc > 1 ? argv[1] : "screenshots", argc > 2 ? argv[2] : "random").play();
   } catch (const std::exception& error) {

@@ -2,7 +2,7 @@
 
 #include <QFileDialog>
 
-#include "qt/dialog_habits.h"
+#include "qt/habits.h"
 
 class QLineEdit;
 

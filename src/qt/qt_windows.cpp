@@ -10,7 +10,7 @@
 #include "base/run_time_error.h"
 #include "loop/text.h"
 
-#include "qt/dialog_habits.h"
+#include "qt/habits.h"
 #include "qt/message_window.h"
 #include "qt/plain_name_dialog.h"
 #include "qt/web_address.h"

@@ -1,8 +1,12 @@
 #include <QDir>
 
-#include "qt/dialog_habits.h"
+#include "qt/habits.h"
 
 namespace orvex {
+
+QString style_name() {
+  return {};
+}
 
 QString first_folder() {
   return QDir::currentPath();

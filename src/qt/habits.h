@@ -4,7 +4,11 @@
 #include <QString>
 #include <QVariantMap>
 
+/// What differs between the desktops of the systems: one source file for each of them.
 namespace orvex {
+
+/// Name of the style that the windows are drawn in; empty for the desktop's own.
+QString style_name();
 
 /// The folder in which the first file dialog starts.
 QString first_folder();

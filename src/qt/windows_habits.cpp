@@ -4,7 +4,7 @@
 
 #include <QStandardPaths>
 
-#include "qt/dialog_habits.h"
+#include "qt/habits.h"
 
 namespace orvex {
 namespace {
@@ -14,6 +14,11 @@ constexpr const char* toolkit = "QtProject";
 constexpr const char* group = "FileDialog";
 
 }  // namespace
+
+/// The toolkit's style after the system's has no dark colours.
+QString style_name() {
+  return "Fusion";
+}
 
 /// A program starts in its own folder or in the system's.
 QString first_folder() {

@@ -121,7 +121,7 @@ void upload(Random& random, Tally& tally) {
   };
   desk.windows.answers = {{Answer::cancel}};  // to a scan that finds nothing
   desk.load(image, random() % 2 == 0);
-  for (int minute = 0; minute < 60 && desk.program.forms.form3.Loaded; ++minute) {
+  for (int minute = 0; minute < 60 && desk.program.forms.form3.Visible; ++minute) {
     desk.windows.idle(1min);
   }
   ++tally.uploads;
@@ -131,7 +131,7 @@ void upload(Random& random, Tally& tally) {
   const bool complete = desk.windows.box_texts().find("[RESTART the scanner") != std::string::npos;
   tally.accepted += accepted;
   tally.complete += complete;
-  require(under_way && !desk.program.forms.form3.Loaded, "an upload with an end", tally);
+  require(under_way && !desk.program.forms.form3.Visible, "an upload with an end", tally);
   require(!accepted || desk.loading.receiver.file == image, "an accepted file that is the one sent",
           tally);
   require(!complete || desk.loading.receiver.file == image, "a complete load that is whole", tally);

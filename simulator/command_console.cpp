@@ -12,7 +12,7 @@
 namespace orvex::simulator {
 namespace {
 
-/// "on" is `always`, "off" is 0; none where the text is no count.
+/// "on" is `always`, "off" is 0; none if the text is no count.
 std::optional<int> count_of(std::string_view text) {
   if (text == "on") return always;
   if (text == "off") return 0;

@@ -36,7 +36,7 @@ struct Faults {
 };
 
 /// Sets a fault by its name, as "silent" or "late-ack=1500", for people at a console. A count that
-/// is left out is `always`; the value of "only" is a text. False where there is no such fault or
+/// is left out is `always`; the value of "only" is a text. False if there is no such fault or
 /// value.
 bool set_fault(Faults& faults, std::string_view name_and_value);
 

@@ -22,7 +22,7 @@ struct ProgramOptions {
   bool help = false;
 };
 
-/// Throws std::invalid_argument, in words for the user, where the command line makes no sense.
+/// Throws std::invalid_argument, in words for the user, if the command line makes no sense.
 ProgramOptions parse_options(const std::vector<std::string_view>& arguments);
 
 /// What `--help` prints.

@@ -13,7 +13,7 @@ class Parameters {
   Parameters();
 
   /// Takes one or more set tags `<NAME=value>` that follow each other without a gap. False, with
-  /// nothing changed, where one of them isn't understood.
+  /// nothing changed, if one of them isn't understood.
   bool apply(std::string_view tags);
 
   /// `name` must be one of the 25.

@@ -26,7 +26,7 @@ class PtyDevice {
   /// To wait on for reading; -1 while unplugged.
   int descriptor() const { return master_; }
   const std::string& path() const { return path_; }
-  /// Rate that the other side has set, in bits a second; 0 where it is none of the scanner's.
+  /// Rate that the other side has set, in bits a second; 0 if it is none of the scanner's.
   int rate() const;
   /// All that has come.
   std::string read();

@@ -56,10 +56,10 @@ class Scanner {
   bool loading() const { return loader_ != nullptr; }
   /// True from the end of a file to the restart; the scanner is deaf for so long.
   bool waits_for_restart() const { return waits_for_restart_; }
-  /// The whole of the last file that was loaded; empty where none was.
+  /// The whole of the last file that was loaded; empty if none was.
   const std::string& loaded_file() const { return loaded_file_; }
 
-  /// True where a fault wants the line cut; the owner of the line cuts it and tells so.
+  /// True if a fault wants the line cut; the owner of the line cuts it and tells so.
   bool wants_unplug() const { return unplug_wanted_; }
   void unplugged() { unplug_wanted_ = false; }
 

@@ -58,7 +58,7 @@ const Fault faults[]{
     {"one ACK lost",
      {START " closed box", "- record", "Error in Sending", "- record", START},
      [](Desk& d) { d.scanner.faults.lost_acks = 1; }},
-    {"junk ahead of the ACK", harmless,
+    {"junk before the ACK", harmless,
      [](Desk& d) { d.scanner.faults.junk_before_ack = "\xF8\x01\xFF"; }},
     {"a reply cut in its first frame", no_setup, [](Desk& d) { d.scanner.faults.cut_reply = 5; }},
     {"a revision without its line end",

@@ -11,7 +11,7 @@ namespace orvex {
 class Scheduled {
  public:
   virtual ~Scheduled() = default;
-  /// The moment at which run() is wanted; none where never.
+  /// The moment at which run() is wanted; none if never.
   virtual std::optional<Time> due() const = 0;
   /// Called at or after due().
   virtual void run() = 0;

@@ -11,10 +11,20 @@
 namespace orvex {
 namespace {
 
-/// The number of the image's revision. Throws Failure, file error, where the file is no image.
-double revision_of_image(const std::filesystem::path& path) {
+struct Image {
+  double revision;  ///< its number
+  qint64 bytes;
+};
+
+/// Throws Failure, file error, if the file is no image.
+Image image_at(const std::filesystem::path& path) {
   try {
-    if (const auto header = Read_Image_Header(path)) return number_of_digits(header->CodeVersion);
+    if (const auto header = Read_Image_Header(path)) {
+      std::error_code error;
+      const auto bytes = std::filesystem::file_size(path, error);
+      if (error) throw error_of(error);
+      return {number_of_digits(header->CodeVersion), static_cast<qint64>(bytes)};
+    }
   } catch (const RunTimeError& error) {
     if (error.number != error_number::type_mismatch) {
       throw Failure{exit_code::file_error,
@@ -31,22 +41,20 @@ double rounded_to_ms(double seconds) {
 }  // namespace
 
 Outcome run_load(Session& session, const Options& options) {
-  const double revision = revision_of_image(options.file);
+  const Image image = image_at(options.file);
   session.connect(options);
   Load load(session);
   load.send(options);
   const auto before = session.reply("<APP1RV:>");
-  std::error_code unknown;
-  const auto bytes = static_cast<qint64>(std::filesystem::file_size(options.file, unknown));
   const double seconds = rounded_to_ms(load.transfer_seconds());
-  load.await_restart(options.restart_wait, revision);
+  load.await_restart(options.restart_wait, image.revision);
   const auto after = session.reply("<APP1RV:>");
-  return {{{"bytes", bytes},
+  return {{{"bytes", image.bytes},
            {"seconds", seconds},
            {"before", json_value(before)},
            {"after", json_value(after)}},
-          {QString::number(bytes) + " bytes in " + QString::number(seconds) + " s, revision " +
-           shown_value(before) + " -> " + shown_value(after)}};
+          {QString::number(image.bytes) + " bytes in " + QString::number(seconds) +
+           " s, revision " + shown_value(before) + " -> " + shown_value(after)}};
 }
 
 }  // namespace orvex

@@ -27,9 +27,9 @@ class Console : public WindowSystem {
 
   /// The boxes that jobs have shown since they were cleared here.
   std::vector<MessageBox> boxes;
-  /// The text of the last of them that told of an error; empty where there was none.
+  /// The text of the last of them that told of an error; empty if there was none.
   QString last_error() const;
-  /// True where a box of this title was among them.
+  /// True if a box of this title was among them.
   bool has_shown(std::string_view title) const;
 
   void pump(Wait wait) final;
@@ -45,7 +45,7 @@ class Console : public WindowSystem {
   virtual void say(const QString& text) = 0;
   /// Shows how much of a transfer is done, or 0 of 0 that none runs any more.
   virtual void show_progress(double done, double total) = 0;
-  /// True where there is somebody to ask.
+  /// True if there is somebody to ask.
   virtual bool can_ask() const = 0;
   /// Asks a question whose answer is yes or no. Throws Ended as pump() does.
   virtual bool ask(const QString& question) = 0;
@@ -53,7 +53,7 @@ class Console : public WindowSystem {
  protected:
   /// As WindowSystem::pump().
   virtual void deliver(Wait wait) = 0;
-  /// Throws Ended where the process is to end.
+  /// Throws Ended if the process is to end.
   virtual void require_running() const = 0;
 };
 

@@ -31,7 +31,7 @@ void Load::send(const Options& options) {
 }
 
 Failure Load::not_started() const {
-  if (session_.console.has_shown(older_image_title)) {
+  if (!session_.console.allow_older && session_.console.has_shown(older_image_title)) {
     return {exit_code::wrong_use,
             "The image is older than the scanner's firmware; --allow-older loads it all the same"};
   }

@@ -19,11 +19,17 @@ CLI::Validator one_of_settings() {
           ""};
 }
 
+/// A name that a script's variable left empty stands for nothing else.
+CLI::Validator not_empty() {
+  return {[](std::string& text) { return text.empty() ? "the name is empty" : std::string{}; }, ""};
+}
+
 void add_common(CLI::App& app, Options& options) {
   auto* port = app.add_option("--port", options.port, "number of the port, 1 to 6")
                    ->check(CLI::Range(1, 6))
                    ->type_name("N");
   auto* device = app.add_option("--device", options.device, "device in place of a port's number")
+                     ->check(not_empty())
                      ->type_name("PATH");
   port->excludes(device);
   auto* settings =
@@ -37,6 +43,7 @@ void add_common(CLI::App& app, Options& options) {
   app.add_flag("--json", options.json, "one JSON document in place of words");
   app.add_flag("--quiet", options.quiet, "no words on the way");
   app.add_option("--trace", options.trace, "writes every byte of the line into FILE")
+      ->check(not_empty())
       ->type_name("FILE");
 }
 
@@ -51,10 +58,10 @@ void add_arguments(CLI::App& app, const Command& command, Options& options) {
       app.add_option("NAME=VALUE", options.words, "what to change")->required();
       break;
     case Arguments::file:
-      app.add_option("FILE", options.file, "setup file")->required();
+      app.add_option("FILE", options.file, "setup file")->required()->check(not_empty());
       break;
     case Arguments::image:
-      app.add_option("IMAGE", options.file, "firmware image")->required();
+      app.add_option("IMAGE", options.file, "firmware image")->required()->check(not_empty());
       break;
   }
 }

@@ -13,7 +13,7 @@ struct Options {
   std::string command;
   std::optional<int> port;   ///< 1 to 6
   std::string device;        ///< path, in place of a port's number
-  std::string settings;      ///< as "9600,N,8,1"; empty where the scanner is to be searched
+  std::string settings;      ///< as "9600,N,8,1"; empty if the scanner is to be searched
   std::string parity = "N";  ///< "N", "O" or "E", of a search
   bool json = false;
   bool quiet = false;
@@ -28,7 +28,7 @@ struct Options {
   int restart_wait = 120;  ///< seconds
 };
 
-/// Reads the command line. Throws Failure where it makes no sense, and Help where help is wanted.
+/// Reads the command line. Throws Failure if it makes no sense, and Help if help is wanted.
 Options parse_options(const std::vector<std::string>& arguments);
 
 /// What `--help` and `--version` print.

@@ -20,7 +20,7 @@ Failure wrong(const QString& text) {
   return {exit_code::wrong_use, text};
 }
 
-/// The user's words; none where they are no UTF-8.
+/// The user's words; none if they are no UTF-8.
 std::optional<QString> decoded(std::string_view utf8) {
   QStringDecoder decoder(QStringDecoder::Utf8);
   QString text = decoder(QByteArrayView(utf8.data(), static_cast<qsizetype>(utf8.size())));
@@ -50,14 +50,19 @@ bool is_control(QChar c) {
   return c.unicode() < 0x20 || (c.unicode() >= 0x7F && c.unicode() < 0xA0);
 }
 
+/// A delay as it goes out.
+std::u16string delay_value(const QString& name, const QString& value) {
+  const bool digits = std::ranges::all_of(value, [](QChar c) { return c >= '0' && c <= '9'; });
+  if (!digits || value.size() > most_digits) {
+    throw wrong(name + " takes up to 3 digits, not " + value);
+  }
+  return value.isEmpty() ? std::u16string{}
+                         : value.rightJustified(most_digits, '0').toStdU16String();
+}
+
 std::u16string text_value(const Parameter& row, const QString& value) {
   const QString name = text_of(row.name);
-  if (row.field == Field::RSDELY) {
-    const bool digits = std::ranges::all_of(value, [](QChar c) { return c >= '0' && c <= '9'; });
-    if (!digits || value.size() > most_digits) {
-      throw wrong(name + " takes up to 3 digits, not " + value);
-    }
-  }
+  if (row.field == Field::RSDELY) return delay_value(name, value);
   if (std::ranges::any_of(value, is_control)) {
     throw wrong(name + " takes control characters by name, as [CR]");
   }

@@ -20,7 +20,7 @@ class PartialSetup {
 
   bool knows(Field field) const { return known_[index(field)]; }
   bool knows_nothing() const { return known_.none(); }
-  /// As it stands in a tag, texts unchanged; none where it isn't known.
+  /// As it stands in a tag, texts unchanged; none if it isn't known.
   std::optional<QString> value(Field field) const;
   /// Takes over what the other one knows.
   void take(const PartialSetup& other);

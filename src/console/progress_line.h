@@ -11,7 +11,7 @@ namespace orvex {
 /// The line of a terminal that shows how far a transfer is.
 class ProgressLine {
  public:
-  /// What to write now, with no line end; empty where the last line is good enough still. 0 of 0
+  /// What to write now, with no line end; empty if the last line is good enough still. 0 of 0
   /// clears the line.
   std::string draw(double done, double total, Time now);
 

@@ -14,7 +14,6 @@
 #include "loop/end_request.h"
 #include "loop/local_line.h"
 #include "platform/ports.h"
-#include "platform/process.h"
 #include "transfer/image_source.h"
 #include "transfer/zmodem_sender.h"
 
@@ -25,8 +24,20 @@ std::unique_ptr<FileEngine> make_sender(const std::filesystem::path& path, int r
   return std::make_unique<ZmodemSender>(open_image(path), now, static_cast<std::uint32_t>(rate));
 }
 
-std::unique_ptr<Trace> open_trace(const Clock& clock, const std::filesystem::path& path) {
+/// The trace is begun before anything is read, so it must not empty what the command works on.
+void require_own_file(const Options& options) {
+  for (const std::filesystem::path& other : {options.file, std::filesystem::path(options.device)}) {
+    std::error_code unknown;
+    if (options.trace == other || std::filesystem::equivalent(options.trace, other, unknown)) {
+      throw Failure{exit_code::wrong_use, "The trace would overwrite " + words_of(other)};
+    }
+  }
+}
+
+std::unique_ptr<Trace> open_trace(const Clock& clock, const Options& options) {
+  const std::filesystem::path& path = options.trace;
   if (path.empty()) return nullptr;
+  require_own_file(options);
   try {
     return std::make_unique<Trace>(clock, path);
   } catch (const RunTimeError& error) {
@@ -35,16 +46,9 @@ std::unique_ptr<Trace> open_trace(const Clock& clock, const std::filesystem::pat
   }
 }
 
-/// The path of the device that the user named; one that isn't there keeps its name.
-std::string device_of(const Options& options) {
-  const std::string device = platform::resolved_device(options.device);
-  return device.empty() ? options.device : device;
-}
-
-Outcome run_command(const Options& options, LoopConsole& console) {
-  const auto trace = open_trace(console, options.trace);
-  const auto line = make_local_line(console.loop, platform::state_folder(), device_of(options));
-  Session session(console, *line, make_sender, platform::state_folder(), trace.get());
+Outcome run_command(const Options& options, LoopConsole& console, Trace* trace) {
+  const auto line = make_local_line(console.loop, platform::state_folder(), options.device);
+  Session session(console, *line, make_sender, platform::state_folder(), trace);
   on_end_request(console.loop, [&] {
     console.loop.handle([&] {
       session.leave();
@@ -54,7 +58,6 @@ Outcome run_command(const Options& options, LoopConsole& console) {
   const auto command = std::ranges::find(commands(), options.command, &Command::name);
   Outcome outcome = command->run(session, options);
   session.leave();
-  if (trace && !trace->flush()) write_error("The trace is incomplete: the file took no more");
   return outcome;
 }
 
@@ -64,7 +67,7 @@ Outcome outcome_of(const Failure& failure) {
       {{"error", QJsonObject{{"code", failure.code}, {"text", failure.text}}}}, {}, failure.code};
 }
 
-/// The code of the outcome, or of a failure where it couldn't be written.
+/// The code of the outcome, or of a failure if it couldn't be written.
 int print(const Outcome& outcome, bool json) {
   QByteArray text;
   if (json) {
@@ -78,20 +81,28 @@ int print(const Outcome& outcome, bool json) {
   return outcome.code == exit_code::done ? exit_code::file_error : outcome.code;
 }
 
-Outcome run_options(const Options& options) {
-  LoopConsole console(options.quiet);
+Outcome run_to_any_end(const Options& options, LoopConsole& console, Trace* trace) {
   try {
-    return run_command(options, console);
+    return run_command(options, console, trace);
+  } catch (const Failure& failure) {
+    return outcome_of(failure);
   } catch (const Ended&) {
     console.show_progress(0, 0);
     return outcome_of(Failure{exit_code::interrupted, "interrupted"});
   }
 }
 
+Outcome run_options(const Options& options) {
+  LoopConsole console(options.quiet);
+  const auto trace = open_trace(console, options);
+  Outcome outcome = run_to_any_end(options, console, trace.get());
+  if (trace && !trace->flush()) write_error("The trace is incomplete: the file took no more");
+  return outcome;
+}
+
 }  // namespace
 
 int run_program(const std::vector<std::string>& arguments) {
-  platform::prepare_streams();
   bool json = std::ranges::find(arguments, "--json") != arguments.end();
   try {
     const Options options = parse_options(arguments);

@@ -73,8 +73,10 @@ void Session::connect(const Options& options) {
   if (stored_port(link.state.PortCom) == 0) {
     throw Failure{exit_code::no_port, "The stored port number is invalid; --port names one"};
   }
-  link.state.TryParity = options.parity;
-  if (options.settings.empty()) {
+  const auto settings = parse_settings(options.settings);
+  // A search after a load looks at the parity that the scanner had.
+  link.state.TryParity = settings ? parity_letter(settings->parity) : options.parity;
+  if (!settings) {
     scan();
   } else {
     ping(options.settings);
@@ -135,10 +137,8 @@ void Session::send(const PartialSetup& setup) {
 
 PartialSetup Session::factory_default() {
   console.boxes.clear();
-  orvex::factory_default(link);
-  const std::string& error = link.forms.form1.sbrStatus.Panels[2];
-  if (!error.empty()) throw failed(to_qt(error));
-  return reported();
+  if (!send_factory_default(link)) throw failed("Error in Sending Defaults");
+  return receive();
 }
 
 std::optional<QString> Session::reply(const std::string& query) const {

@@ -45,7 +45,7 @@ class Session {
   /// Back to the factory's setup, which is received.
   PartialSetup factory_default();
 
-  /// The reply to a query of this session, without its line end; none where it wasn't asked for.
+  /// The reply to a query of this session, without its line end; none if it wasn't asked for.
   std::optional<QString> reply(const std::string& query) const;
   /// {"port", "device", "settings"} as they are.
   QJsonObject place() const;

@@ -13,7 +13,7 @@ QString in_words(const Change& change) {
          shown_value(change.after);
 }
 
-/// Throws where the scanner has something else than it was sent.
+/// Throws if the scanner has something else than it was sent.
 void require_taken(const PartialSetup& received, const PartialSetup& sent) {
   QStringList missed;
   for (const auto& [field, has, wanted] : differences(received, sent)) {

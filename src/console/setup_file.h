@@ -7,7 +7,7 @@
 
 namespace orvex {
 
-/// What a setup file names. Throws Failure, file error, where it can't be read or names nothing.
+/// What a setup file names. Throws Failure, file error, if it can't be read or names nothing.
 PartialSetup read_setup(Console& console, const std::filesystem::path& path);
 
 /// The name of a file for people.

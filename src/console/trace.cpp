@@ -37,7 +37,7 @@ std::string quoted(unsigned char c) {
   return {static_cast<char>(0xC0 | (c >> 6)), static_cast<char>(0x80 | (c & 0x3F))};
 }
 
-/// Bytes of `text` that make one line of the trace; 0 where the rest of it has yet to come.
+/// Bytes of `text` that make one line of the trace; 0 if the rest of it has yet to come.
 std::size_t whole(std::string_view text) {
   if (text.front() == SOH) {
     const auto end = text.find(EOT);

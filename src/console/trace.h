@@ -20,7 +20,7 @@ namespace orvex {
 /// stand outside under their names. Bytes of a transfer are hexadecimal.
 class Trace {
  public:
-  /// `clock` must outlive the trace. Throws RunTimeError where the file can't be written.
+  /// `clock` must outlive the trace. Throws RunTimeError if the file can't be written.
   Trace(const Clock& clock, const std::filesystem::path& path);
   ~Trace() { flush(); }
   Trace(const Trace&) = delete;
@@ -30,7 +30,7 @@ class Trace {
   void received(std::string_view bytes, bool transfer);
   /// What happens to the line itself.
   void event(std::string_view text);
-  /// Writes what is still incomplete. False where the file couldn't take everything.
+  /// Writes what is still incomplete. False if the file couldn't take everything.
   bool flush();
 
  private:

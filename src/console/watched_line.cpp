@@ -73,12 +73,14 @@ void WatchedLine::tell(const std::string& event) {
   if (trace_ != nullptr) trace_->event(event);
 }
 
+std::string parity_letter(Parity parity) {
+  constexpr std::string_view letters = "NOE";
+  return {letters[static_cast<std::size_t>(parity)]};
+}
+
 std::string settings_text(const LineSettings& settings) {
-  const char parity = settings.parity == Parity::odd    ? 'O'
-                      : settings.parity == Parity::even ? 'E'
-                                                        : 'N';
-  return std::to_string(settings.baud) + ',' + parity + ',' + std::to_string(settings.data_bits) +
-         ',' + std::to_string(settings.stop_bits);
+  return std::to_string(settings.baud) + ',' + parity_letter(settings.parity) + ',' +
+         std::to_string(settings.data_bits) + ',' + std::to_string(settings.stop_bits);
 }
 
 }  // namespace orvex

@@ -21,11 +21,11 @@ class WatchedLine final : public Line, private Line::Listener {
   /// True while a file is under transfer.
   std::function<bool()> transfer_runs = [] { return false; };
 
-  /// Why the last opening failed; none where it didn't.
+  /// Why the last opening failed; none if it didn't.
   const std::optional<RunTimeError>& open_failure() const { return open_failure_; }
   /// True after the device went away, until the line is opened again.
   bool lost() const { return lost_; }
-  /// True where the last frame that was written has been answered by NAK.
+  /// True if the last frame that was written has been answered by NAK.
   bool refused() const;
 
   void listen(Line::Listener& listener) override;
@@ -53,6 +53,9 @@ class WatchedLine final : public Line, private Line::Listener {
   bool lost_ = false;
   std::string heard_;  // since the last frame was written, the head of it
 };
+
+/// "N", "O" or "E".
+std::string parity_letter(Parity parity);
 
 /// Settings as "9600,N,8,1", with a capital for the parity.
 std::string settings_text(const LineSettings& settings);

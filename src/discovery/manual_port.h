@@ -4,14 +4,14 @@
 
 namespace orvex {
 
-/// Shows the manual port dialog, which is loaded afresh where it was closed.
+/// Shows the manual port dialog, which is loaded afresh if it was closed.
 void mnumanual_Click(ScannerLink& link);
 
 /// "Open Port": opens the port as the boxes say, pings the scanner once and stores what it answered
 /// to. On a port that can't be opened the dialog stays.
 void open_port_by_hand(ScannerLink& link);
 
-/// Pings the scanner once on the open port: true where it answers within 1000 ms and
+/// Pings the scanner once on the open port: true if it answers within 1000 ms and
 /// the port still stands.
 bool scanner_answers(ScannerLink& link);
 

@@ -48,7 +48,7 @@ class Exchange {
   /// Writes the frame that a scanner answers with a bare ACK. Throws RunTimeError.
   void send_ping();
 
-  /// Awaits the ACK of a ping until Timer1 ticks: true where it came. The ACK stays in ReplyText.
+  /// Awaits the ACK of a ping until Timer1 ticks: true if it came. The ACK stays in ReplyText.
   /// `attempts` remembers failures of the port; they don't end the wait.
   bool wait_for_ping(Attempts& attempts);
 

@@ -15,7 +15,7 @@ inline constexpr char NAK = 0x15;
 std::string frame_of(std::string_view text);
 
 /// True for a text that is one tag `<NAME:>` and nothing else, NAME being six upper-case letters
-/// or digits. Only such a frame is answered by a reply behind its ACK.
+/// or digits. Only such a frame is answered by a reply after its ACK.
 bool is_query(std::string_view text);
 
 }  // namespace orvex

@@ -18,7 +18,7 @@ struct LineSettings {
 };
 
 /// Reads the four fields of a settings text such as "9600,n,8,1", with blanks around the fields and
-/// the parity in either case. None where a field is not one of its values.
+/// the parity in either case. None if a field is not one of its values.
 std::optional<LineSettings> parse_settings(std::string_view text);
 
 /// The text without blanks around its fields: "  9600,N,8,1" gives "9600,N,8,1".

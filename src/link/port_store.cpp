@@ -25,7 +25,7 @@ std::optional<std::string> read_whole(const std::filesystem::path& path) {
   return text;
 }
 
-/// False where the text holds a port number that is none.
+/// False if the text holds a port number that is none.
 bool take_items(std::string_view text, PortState& state) {
   while (true) {
     const auto end = text.find(';');

@@ -3,21 +3,15 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "base/timer.h"
+#include "link/file_transfer.h"
 #include "link/line.h"
-#include "transfer/file_engine.h"
 
 namespace orvex {
-
-/// Gives the engine that sends the file at `path` on a line of this rate in bits a second. Throws
-/// RunTimeError where the file can't be read.
-using EngineFactory = std::function<std::unique_ptr<FileEngine>(const std::filesystem::path& path,
-                                                                int rate, Time now)>;
 
 /// The serial control `MSComm1`: the properties and events of one COM port, and a file transfer.
 /// A failure of a property access is thrown as RunTimeError.
@@ -67,54 +61,40 @@ class SerialControl final : public Line::Listener, public Scheduled {
   /// 5 is ZMODEM, sender's side; 0 is none.
   void Protocol(int protocol) { protocol_ = protocol; }
   void FileName(std::filesystem::path path) { file_name_ = std::move(path); }
-  void InputMode(int mode) { input_mode_ = mode; }
-  void ComType(int type) { com_type_ = type; }
+  // Named by the control's callers, and without effect on this line.
+  void InputMode(int /*mode*/) {}
+  void ComType(int /*type*/) {}
 
-  bool FileSendOn() const { return engine_ != nullptr; }
+  bool FileSendOn() const { return transfer_.is_on(); }
   /// True starts the transfer of FileName and returns at once. False stops it: what is queued is
   /// thrown away, the cancel sequence goes out and FileBusy is false on return.
   void FileSendOn(bool on);
   /// A receive is never started, so this reads false always.
   bool FileRecvOn() const { return false; }
-  bool FileBusy() const { return engine_ != nullptr; }
-  /// Size of the file under transfer, or of the last one: in bytes up to 2 GiB, else in KiB, a part
-  /// of one counting as a whole.
-  std::int32_t FileTotal() const { return file_total_; }
-  /// Why the last transfer failed, in plain English; empty while one runs and after a complete one.
-  const std::string& FileReason() const { return file_reason_; }
+  bool FileBusy() const { return transfer_.is_on(); }
+  /// As FileTransfer::total().
+  std::int32_t FileTotal() const { return transfer_.total(); }
+  /// As FileTransfer::reason().
+  const std::string& FileReason() const { return transfer_.reason(); }
 
   void bytes_arrived() override;
   void bytes_sent() override;
   void line_lost() override;
-  std::optional<Time> due() const override;
-  void run() override;
+  std::optional<Time> due() const override { return transfer_.due(); }
+  void run() override { transfer_.run(); }
 
  private:
   void require_open() const;
-  void start_transfer();
-  void stop_transfer();
-  void work_transfer();
-  void send_what_fits(std::size_t most_unsent);
-  void report_progress();
-  void end_transfer(std::string_view reason);
 
-  const Clock& clock_;
   Line& line_;
-  EngineFactory make_engine_;
+  FileTransfer transfer_;
   int comm_port_ = 1;
   std::string device_;
   std::string settings_ = "9600,N,8,1";
   int receive_threshold_ = 1;
   int send_threshold_ = 1;
   int protocol_ = 0;
-  int input_mode_ = 0;
-  int com_type_ = 0;
   std::filesystem::path file_name_;
-  std::unique_ptr<FileEngine> engine_;
-  std::int32_t file_total_ = 0;
-  std::string file_reason_;
-  std::uint64_t progress_told_ = 0;
-  Time look_again_{};
 };
 
 }  // namespace orvex

@@ -106,7 +106,8 @@ void LinuxLine::close() {
 }
 
 std::string LinuxLine::device_path(int com_port) const {
-  return device_.empty() ? platform::device_of_port(com_port, links_) : device_;
+  return device_.empty() ? platform::device_of_port(com_port, links_)
+                         : platform::resolved_device(device_);
 }
 
 void LinuxLine::configure(const LineSettings& settings) {

@@ -104,7 +104,8 @@ WindowsLine::~WindowsLine() {
 }
 
 std::string WindowsLine::device_path(int com_port) const {
-  return device_.empty() ? platform::device_of_port(com_port, {}) : device_;
+  return device_.empty() ? platform::device_of_port(com_port, {})
+                         : platform::resolved_device(device_);
 }
 
 void WindowsLine::open(int com_port, const LineSettings& settings) {

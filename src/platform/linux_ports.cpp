@@ -104,7 +104,7 @@ std::string device_of_port(int number, const fs::path& folder) {
 std::string resolved_device(const std::string& name) {
   std::error_code error;
   const fs::path device = fs::canonical(name, error);
-  return error ? std::string{} : device.string();
+  return error ? name : device.string();
 }
 
 DeviceKind kind_of_device(const std::string& path) {

@@ -35,7 +35,12 @@ int end_request() {
   struct sigaction action {};
   action.sa_handler = tell_end_request;
   action.sa_flags = SA_RESTART;
-  for (const int signal : {SIGHUP, SIGINT, SIGTERM}) ::sigaction(signal, &action, nullptr);
+  for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
+    struct sigaction present {};
+    // Who has started the process may want it to go on, as nohup does.
+    if (::sigaction(signal, nullptr, &present) == 0 && present.sa_handler == SIG_IGN) continue;
+    ::sigaction(signal, &action, nullptr);
+  }
   return end_request_reader;
 }
 
@@ -45,6 +50,11 @@ bool is_terminal(Stream stream) {
 
 void prepare_streams() {
   ::signal(SIGPIPE, SIG_IGN);
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (::fcntl(stream, F_GETFD) >= 0) continue;
+    // Gets the free number, and fails to read or write as a closed stream does.
+    (void)::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+  }
 }
 
 std::optional<std::string> read_line() {

@@ -14,7 +14,7 @@ std::filesystem::path state_folder();
 /// that of the missing device. Otherwise it is the number-th serial port of the machine.
 std::string device_of_port(int number, const std::filesystem::path& folder);
 
-/// Path of the device behind the name that a user gave, without links; empty if there is none.
+/// Path of the device behind the name that a user gave, without links; the name if there is none.
 std::string resolved_device(const std::string& name);
 
 }  // namespace orvex::platform

@@ -6,7 +6,7 @@ class QGridLayout;
 
 namespace orvex {
 
-/// A tab's page: a grid that scrolls where the window is too small for it. What has the focus is
+/// A tab's page: a grid that scrolls if the window is too small for it. What has the focus is
 /// always in view.
 class Page final : public QScrollArea {
  public:

@@ -7,6 +7,7 @@
 #include <QPushButton>
 
 namespace orvex {
+
 PlainNameDialog::PlainNameDialog(QWidget* parent) : QFileDialog(parent) {
   // Desktops' own dialogs add endings to names and ask questions of their own.
   setOption(QFileDialog::DontUseNativeDialog);

@@ -14,7 +14,7 @@ class PlainNameDialog final : private DialogNotes, public QFileDialog {
  public:
   explicit PlainNameDialog(QWidget* parent);
 
-  /// The whole path of what was accepted; empty where nothing was.
+  /// The whole path of what was accepted; empty if nothing was.
   QString chosen() const;
 
  protected:

@@ -17,7 +17,7 @@ class SideTabBar final : public QTabBar {
   SideTabBar() {
     setDrawBase(false);
     setElideMode(Qt::ElideNone);
-    // Those that scroll where there is no room for all tabs; the arrow keys do the same.
+    // Those that scroll if there is no room for all tabs; the arrow keys do the same.
     for (QToolButton* button : findChildren<QToolButton*>()) button->setFocusPolicy(Qt::NoFocus);
   }
 

@@ -18,7 +18,7 @@ class SplashWindow final : public QWidget {
 
   /// Called once, after the window has been painted for the first time.
   std::function<void()> first_shown;
-  /// The window above which it lies, null where there is none yet.
+  /// The window above which it lies, null if there is none yet.
   std::function<QWidget*()> window_below;
 
  protected:

@@ -40,7 +40,7 @@ class View {
     for (std::size_t next = 0; next < parts_.size(); ++next) parts_[next](Act::draw);
   }
 
-  /// True where a draw would change something.
+  /// True if a draw would change something.
   bool is_stale() {
     return std::ranges::any_of(parts_, [](auto& part) { return part(Act::look); });
   }

@@ -18,7 +18,7 @@ void apply_choice(ScannerSetup& setup, const Parameter& row, std::string_view va
   setup.choose(row.field, static_cast<std::size_t>(found - row.choices.begin()));
 }
 
-/// False where the text ends inside a frame. Calls keep_alive inside a frame, after `step`
+/// False if the text ends inside a frame. Calls keep_alive inside a frame, after `step`
 /// characters each.
 bool apply_frames(ScannerSetup& setup, std::string_view text, std::size_t step,
                   const KeepAlive& keep_alive) {

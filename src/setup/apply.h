@@ -19,7 +19,7 @@ using KeepAlive = std::function<void()>;
 void Apply_Stream(ScannerSetup& setup, std::string_view text, const KeepAlive& keep_alive);
 
 /// The same for a scanner's reply, which has at most 32,767 characters and ends no frame without
-/// its EOT; otherwise an overflow is thrown behind the frames that end before that point.
+/// its EOT; otherwise an overflow is thrown after the frames that end before that point.
 void apply_reply(ScannerSetup& setup, std::string_view reply, const KeepAlive& keep_alive);
 
 }  // namespace orvex

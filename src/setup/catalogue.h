@@ -62,7 +62,7 @@ struct FrameLayout {
   std::string_view name;
   std::string_view caption;
   int tab;
-  std::string_view inside;  ///< name of the frame around it, empty where it lies on the tab
+  std::string_view inside;  ///< name of the frame around it, empty if it lies on the tab
   int row;
   int column;
   int row_span;

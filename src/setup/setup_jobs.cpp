@@ -98,18 +98,23 @@ void receive_setup(ScannerLink& link) {
   enable_scanner_buttons(form1, true);
 }
 
+bool send_factory_default(ScannerLink& link) {
+  if (link.exchange.Send_Tag("<FACDEF=1>") != 1) return false;
+  try {
+    link.MSComm1.Settings("9600,N,8,1");
+  } catch (const RunTimeError&) {
+    // As for a sent setup.
+  }
+  link.exchange.show_port_line();
+  return true;
+}
+
 void factory_default(ScannerLink& link) {
   Form1& form1 = link.forms.form1;
   auto& panel = form1.sbrStatus.Panels[2];
   enable_scanner_buttons(form1, false);
   panel.clear();
-  if (link.exchange.Send_Tag("<FACDEF=1>") == 1) {
-    try {
-      link.MSComm1.Settings("9600,N,8,1");
-    } catch (const RunTimeError&) {
-      // As for a sent setup.
-    }
-    link.exchange.show_port_line();
+  if (send_factory_default(link)) {
     panel.clear();
     receive_setup(link);
   } else {

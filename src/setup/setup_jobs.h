@@ -13,7 +13,7 @@ namespace orvex {
 /// after the ACK. A failure stands in panel 2.
 void send_setup(ScannerLink& link, const ScannerSetup& setup);
 
-/// The same with these tags and these settings of the port. True where the scanner has taken them.
+/// The same with these tags and these settings of the port. True if the scanner has taken them.
 bool send_setup(ScannerLink& link, const std::vector<std::string>& tags,
                 const std::string& settings);
 
@@ -23,6 +23,9 @@ void receive_setup(ScannerLink& link);
 
 /// Has the scanner go back to its factory setup, moves the port to "9600,N,8,1" and receives.
 void factory_default(ScannerLink& link);
+
+/// The same without a receive. True where the scanner has gone back.
+bool send_factory_default(ScannerLink& link);
 
 /// What a good reply to a query leads to: labels, App1RevNumber and the setup. Throws RunTimeError
 /// where a reply can't be used.

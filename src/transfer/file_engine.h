@@ -23,10 +23,10 @@ class FileEngine {
   /// True once after the engine decided that what it has handed over and the line has not yet sent
   /// is to be thrown away. To be asked before each transmit().
   virtual bool take_discard() = 0;
-  /// The next bytes for the line, at most `room`. Empty where there is nothing to send at present.
+  /// The next bytes for the line, at most `room`. Empty if there is nothing to send at present.
   virtual std::string transmit(std::size_t room, Time now) = 0;
-  /// So many bytes may stand unsent at the line: few where a discard of them would come too late,
-  /// many where the line takes them in no time.
+  /// So many bytes may stand unsent at the line: few if a discard of them would come too late,
+  /// many if the line takes them in no time.
   virtual std::size_t most_unsent() const = 0;
   virtual std::optional<Time> wake() const = 0;
   /// The user's stop: what follows from transmit() is the protocol's cancel sequence.

@@ -7,7 +7,7 @@
 
 namespace orvex {
 
-/// The file at `path` as a source of a transfer. Throws RunTimeError where it can't be read.
+/// The file at `path` as a source of a transfer. Throws RunTimeError if it can't be read.
 std::unique_ptr<FileSource> open_image(const std::filesystem::path& path);
 
 }  // namespace orvex

@@ -9,7 +9,7 @@ namespace orvex {
 /// Sends the file's bytes. The file's end follows at once.
 ///
 /// A receiver that has shown that it answers requests (ZCRCQ) gets as much as the window allows
-/// before its answers. Before that, and where it never does, each run waits for its answer. One
+/// before its answers. Before that, and if it never does, each run waits for its answer. One
 /// that took data without any answer gets the rest without a wait.
 ///
 /// Waits for ZACK. Sends again from where ZRPOS says, at once; from the last ZACK at a ZNAK, and

@@ -24,7 +24,7 @@ class ZmodemDataClock {
   void restarted() { again_ = Time::max(); }
 
   /// 60 s after the last progress, or after the first bytes since then that it owes an answer to;
-  /// also where it took 120 s for less than a KiB.
+  /// also if it took 120 s for less than a KiB.
   Time give_up() const;
   std::string_view reason() const;
   /// 10 s after the last bytes, or after progress.

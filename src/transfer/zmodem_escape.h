@@ -9,7 +9,7 @@ namespace orvex {
 
 /// Puts bytes on the wire so that modems, terminals and flow control leave them alone: hexadecimal
 /// 10, 11, 13, 18, 90, 91 and 93 always go as 18 and the byte with bit 6 turned round, 0D and 8D
-/// behind a 40 or C0 on the wire, and all of 00-1F and 80-9F where the receiver asks for it.
+/// behind a 40 or C0 on the wire, and all of 00-1F and 80-9F if the receiver asks for it.
 class ZmodemEscape {
  public:
   explicit ZmodemEscape(bool all_controls = false);

@@ -18,9 +18,9 @@ class ZmodemFavours {
   bool ask_echo(std::uint32_t value);
 
   bool computing() const { return covered_.has_value(); }
-  /// Takes the next step; false where the file can't be read.
+  /// Takes the next step; false if the file can't be read.
   bool compute(FileSource& file);
-  /// Adds an answer that is ready; false where there is none.
+  /// Adds an answer that is ready; false if there is none.
   bool produce(ZmodemWire& wire);
 
  private:

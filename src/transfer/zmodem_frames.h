@@ -20,7 +20,7 @@ class ZmodemFrames {
   /// `transfer` must outlive the frames.
   explicit ZmodemFrames(ZmodemTransfer& transfer) : transfer_(transfer) {}
 
-  /// Adds the next piece to the wire, and a header first where no frame is open. False where the
+  /// Adds the next piece to the wire, and a header first if no frame is open. False if the
   /// file can't be read.
   bool append();
   /// Bytes of the file in the next piece.

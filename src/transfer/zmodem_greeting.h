@@ -10,7 +10,7 @@ namespace orvex {
 ///
 /// Sends ZRQINIT: again after 10 s, and at once at a ZNAK or a damaged answer, ten times at most.
 /// Waits for ZRINIT, then the offer follows. What belongs to an earlier transfer is passed over; a
-/// cancel or an end that comes within 0.5 s may, too, and counts only where no ZRINIT follows it
+/// cancel or an end that comes within 0.5 s may, too, and counts only if no ZRINIT follows it
 /// within 0.5 s.
 /// Gives up after 30 s.
 class ZmodemGreeting final : public ZmodemPhase {

@@ -6,7 +6,7 @@ namespace orvex {
 
 /// Offers the file.
 ///
-/// Sends ZFILE with the file's name, size, time and mode: again at once where the receiver asks for
+/// Sends ZFILE with the file's name, size, time and mode: again at once if the receiver asks for
 /// it by ZRINIT or ZNAK, otherwise after 45 s, ten times at most. For a loader may erase its flash
 /// at each ZFILE that it reads, and answer only then. A ZRINIT within a second of the ZFILE, up to
 /// three of them, crossed it: receivers say it unasked, and once for each ZRQINIT.

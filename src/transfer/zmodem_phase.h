@@ -15,7 +15,7 @@ class ZmodemPhase {
   virtual void on_damaged(Time) {}
   /// Five CAN in a row.
   virtual void on_cancelled(Time now);
-  /// Adds to the wire what is to go out next; false where there is nothing at present.
+  /// Adds to the wire what is to go out next; false if there is nothing at present.
   virtual bool produce(Time now) = 0;
   /// Bytes of the wire were handed over, `all` of them or not. They leave the machine at `left`.
   virtual void handed_over(Time left, bool all) = 0;

@@ -15,7 +15,7 @@ class ZmodemRetry {
   static constexpr std::size_t largest_piece = 1024;
   static constexpr std::size_t smallest_piece = 32;
 
-  /// `bits_per_second` of the line, 0 where not known.
+  /// `bits_per_second` of the line, 0 if not known.
   explicit ZmodemRetry(std::uint32_t bits_per_second);
 
   /// What is sent from `place` on was lost. False once it was tried a hundred times in vain.

@@ -47,7 +47,7 @@ class ZmodemSender final : public FileEngine {
   ZmodemTransfer transfer_;
   ZmodemParser parser_;
   ZmodemStep entered_ = ZmodemStep::greeting;
-  std::unique_ptr<ZmodemPhase> phase_;  // of the step entered_; none where that is over
+  std::unique_ptr<ZmodemPhase> phase_;  // of the step entered_; none if that is over
 };
 
 }  // namespace orvex

@@ -32,7 +32,7 @@ struct ZmodemTransfer {
   ZmodemTransfer(FileSource& source, std::uint32_t bits_per_second)
       : file(source), size(source.size()), window(bits_per_second), retry(bits_per_second) {}
 
-  /// Takes what a ZRINIT announces; false where that can't be served, which ends the transfer.
+  /// Takes what a ZRINIT announces; false if that can't be served, which ends the transfer.
   bool meet(const ZmodemHeader& zrinit);
   /// The receiver says that it has all bytes before `place`.
   void gain(std::uint64_t place);

@@ -12,14 +12,14 @@ namespace orvex {
 ///
 /// The window begins with what the line carries in 1.4 s. Each answer then tells how many bytes the
 /// line could have carried between a request and its answer, and the window becomes that and two
-/// pieces: where that is more, it grows by no more than was acknowledged; where it is less, by an
+/// pieces: if that is more, it grows by no more than was acknowledged; if it is less, by an
 /// eighth of the difference. A loss halves it. The most is what the line carries in 2.8 s, at most
 /// 32 KiB. A line whose answers prove that bytes arrive in less time than its rate gives them (a
 /// USB device or a pseudo-terminal, for which the rate is a mere number) gets 64 KiB: there a
 /// repeat costs next to nothing, and turns cost more than bytes.
 class ZmodemWindow {
  public:
-  /// `bits_per_second` of the line, 0 where not known.
+  /// `bits_per_second` of the line, 0 if not known.
   explicit ZmodemWindow(std::uint32_t bits_per_second);
 
   /// Sends from `place`, which the receiver asked for; what was under way counts as gone.

@@ -15,8 +15,8 @@ struct ImageHeader {
   std::string CodeDate;     ///< 11 bytes
 };
 
-/// Reads the head of the image at `path`; none where the file has no more than the head's 108
-/// bytes. Throws RunTimeError where it can't be read.
+/// Reads the head of the image at `path`; none if the file has no more than the head's 108
+/// bytes. Throws RunTimeError if it can't be read.
 std::optional<ImageHeader> Read_Image_Header(const std::filesystem::path& path);
 
 }  // namespace orvex

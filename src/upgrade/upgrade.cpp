@@ -38,26 +38,58 @@ MessageBox box_for(const RunTimeError& error) {
   }
 }
 
-/// Sets a flag for as long as it lives.
-class While {
- public:
-  explicit While(bool& flag) : flag_(flag) { flag_ = true; }
-  ~While() { flag_ = false; }
-  While(const While&) = delete;
-  While& operator=(const While&) = delete;
+}  // namespace
 
- private:
-  bool& flag_;
+/// What the events of a load do in one of its phases; none if they do nothing.
+struct Upgrade::Moves {
+  Move cancelled = nullptr;      ///< the user has said Yes to the cancel
+  Move closed = nullptr;         ///< Form3 was closed by its close control
+  Move failed = nullptr;         ///< an error came to the trap
+  Move transfer_over = nullptr;  ///< Timer3 finds that the transfer has ended
+  Move verdict_due = nullptr;    ///< Timer2
 };
 
-}  // namespace
+const Upgrade::Moves& Upgrade::moves() const {
+  using U = Upgrade;
+  static constexpr Moves before_exchange{&U::cancel, &U::Form_Unload, &U::Form_Unload};
+  static constexpr Moves in_exchange{&U::leave, &U::Form_Unload, &U::Form_Unload};
+  // A transfer that could not begin is watched already, so the verdict ends it.
+  static constexpr Moves watched{&U::cancel, &U::Form_Unload, nullptr, &U::settle};
+  static constexpr Moves settled{&U::cancel, &U::Form_Unload, nullptr, nullptr, &U::judge};
+  static constexpr Moves on_the_way_out{.closed = &U::hide};
+  static constexpr Moves none{};
+  switch (phase_) {
+    case LoadPhase::head_shown:
+      return before_exchange;
+    case LoadPhase::asking:
+    case LoadPhase::preparing:
+      return in_exchange;
+    case LoadPhase::transferring:
+      return watched;
+    case LoadPhase::settling:
+      return settled;
+    case LoadPhase::left:
+    case LoadPhase::cancelling:
+      return on_the_way_out;
+    case LoadPhase::idle:
+    case LoadPhase::restarting:
+      break;
+  }
+  return none;
+}
+
+void Upgrade::make(Move move) {
+  if (move != nullptr) (this->*move)();
+}
 
 Upgrade::Upgrade(ScannerLink& link, Jobs after_load)
     : link_(link),
       after_load_(std::move(after_load)),
       Timer1_(link.windows, [this] { runtop(); }),
-      Timer2_(link.windows, [this] { Timer2_Timer(); }),
-      Timer3_(link.windows, [this] { Timer3_Timer(); }) {
+      Timer2_(link.windows, [this] { make(moves().verdict_due); }),
+      Timer3_(link.windows, [this] {
+        if (!link_.MSComm1.FileBusy()) make(moves().transfer_over);
+      }) {
   Timer1_.Interval(animation_ms);
   Timer2_.Interval(verdict_ms);
   for (Timer* timer : {&Timer1_, &Timer2_, &Timer3_}) link.windows.schedule(*timer);
@@ -75,45 +107,28 @@ void Upgrade::mnuload_Click(int Index) {
   try {
     load_image(*path);
   } catch (const RunTimeError& error) {
-    // Once the transfer is watched, the verdict closes the window.
-    if (!Timer3_.Enabled()) close();
+    make(moves().failed);
     link_.windows.MsgBox(box_for(error));
   }
 }
 
 void Upgrade::Command1_Click() {
-  if (cancelling_) return;
+  if (moves().cancelled == nullptr) return;
   const auto answer = link_.windows.MsgBox({.text = "Do you want to CANCEL the file transfer?",
                                             .buttons = Buttons::yes_no,
                                             .title = "Abort file transfer...",
                                             .owner = Owner::upload_window,
                                             .refuses_by_default = true});
-  if (answer != Answer::yes || !link_.forms.form3.Loaded || cancelling_) return;
-  if (preparing_) {
-    cancel_wanted_ = true;
-    link_.forms.form3.Visible = false;
-    return;
-  }
-  cancel();
+  if (answer == Answer::yes) make(moves().cancelled);
 }
 
 void Upgrade::close() {
-  Form3& form3 = link_.forms.form3;
-  if (!form3.Loaded) return;
-  form3 = Form3{};
-  for (Timer* timer : {&Timer1_, &Timer2_, &Timer3_}) timer->Enabled(false);
-  link_.MSComm1.RThreshold(SavedRThreshold_);
-  link_.MSComm1.SThreshold(SavedSThreshold_);
-  link_.MSComm1.ComType(0);
-  link_.MSComm1.InputMode(0);
-  link_.MSComm1.Protocol(0);
-  link_.MSComm1.FileSendOn(false);
-  link_.windows.dismiss_boxes(Owner::upload_window);
+  make(moves().closed);
 }
 
 void Upgrade::FileProgress(std::int32_t done) {
   Form3& form3 = link_.forms.form3;
-  if (!form3.Loaded) return;
+  if (!form3.Visible) return;
   ProgressBar& bar = form3.ProgressBar1;
   bar.Visible = true;
   bar.Min = 0;
@@ -125,10 +140,6 @@ void Upgrade::FileProgress(std::int32_t done) {
   }
 }
 
-bool Upgrade::active() const {
-  return link_.forms.form3.Loaded || cancelling_ || after_verdict_;
-}
-
 void Upgrade::load_image(const std::filesystem::path& path) {
   const auto header = Read_Image_Header(path);
   if (!header) return;
@@ -137,10 +148,11 @@ void Upgrade::load_image(const std::filesystem::path& path) {
                                             .buttons = Buttons::yes_no,
                                             .title = "Application 1 File into ROM...",
                                             .owner = Owner::upload_window});
-  if (answer == Answer::yes && link_.forms.form3.Loaded) {
+  if (phase_ != LoadPhase::head_shown) return;
+  if (answer == Answer::yes) {
     prepare_and_start(path);
   } else {
-    close();
+    Form_Unload();
   }
 }
 
@@ -157,7 +169,7 @@ void Upgrade::show_form3(const ImageHeader& header) {
 
 void Upgrade::Form_Load() {
   link_.forms.form3 = Form3{};
-  link_.forms.form3.Loaded = true;
+  phase_ = LoadPhase::head_shown;
   SavedRThreshold_ = link_.MSComm1.RThreshold();
   SavedSThreshold_ = link_.MSComm1.SThreshold();
   link_.MSComm1.RThreshold(0);
@@ -166,33 +178,49 @@ void Upgrade::Form_Load() {
   link_.state.UploadFrame = 0;
 }
 
+void Upgrade::Form_Unload() {
+  phase_ = LoadPhase::idle;
+  link_.forms.form3 = Form3{};
+  for (Timer* timer : {&Timer1_, &Timer2_, &Timer3_}) timer->Enabled(false);
+  link_.MSComm1.RThreshold(SavedRThreshold_);
+  link_.MSComm1.SThreshold(SavedSThreshold_);
+  link_.MSComm1.ComType(0);
+  link_.MSComm1.InputMode(0);
+  link_.MSComm1.Protocol(0);
+  link_.MSComm1.FileSendOn(false);
+  link_.windows.dismiss_boxes(Owner::upload_window);
+}
+
 void Upgrade::prepare_and_start(const std::filesystem::path& path) {
   bool ready = false;
-  {
-    cancel_wanted_ = false;
-    const While preparing(preparing_);
-    try {
-      ready = Check_Rev(link_) == 1 && !left_by_user() && Fast_Load(link_) == 1 &&
-              !left_by_user() && link_.exchange.Send_Tag(load_tag) == 1;
-    } catch (const RunTimeError&) {
-      if (!left_by_user()) throw;
-    }
+  try {
+    ready = prepare();
+  } catch (const RunTimeError&) {
+    // A load that the user has left says nothing more.
+    if (is_preparing()) throw;
   }
-  if (std::exchange(cancel_wanted_, false)) {
+  if (phase_ == LoadPhase::left) {
     cancel();
-  } else if (!ready) {
-    close();
-  } else if (link_.forms.form3.Loaded) {
-    Start_Upload(path);
+  } else if (is_preparing()) {
+    ready ? Start_Upload(path) : Form_Unload();
   }
 }
 
-bool Upgrade::left_by_user() {
-  return cancel_wanted_ || !link_.forms.form3.Loaded;
+bool Upgrade::prepare() {
+  phase_ = LoadPhase::asking;
+  if (Check_Rev(link_) != 1 || !is_preparing()) return false;
+  phase_ = LoadPhase::preparing;
+  if (Fast_Load(link_) != 1 || !is_preparing()) return false;
+  return link_.exchange.Send_Tag(load_tag) == 1;
+}
+
+bool Upgrade::is_preparing() const {
+  return phase_ == LoadPhase::asking || phase_ == LoadPhase::preparing;
 }
 
 void Upgrade::Start_Upload(const std::filesystem::path& path) {
   SerialControl& MSComm1 = link_.MSComm1;
+  phase_ = LoadPhase::transferring;
   Timer3_.Enabled(true);
   link_.forms.form1.sbrStatus.Panels[2].clear();
   MSComm1.InputLen(0);
@@ -206,14 +234,21 @@ void Upgrade::Start_Upload(const std::filesystem::path& path) {
   Timer1_.Enabled(true);
 }
 
+void Upgrade::leave() {
+  phase_ = LoadPhase::left;
+  hide();
+}
+
+void Upgrade::hide() {
+  link_.forms.form3.Visible = false;
+}
+
 void Upgrade::cancel() {
-  const While cancelling(cancelling_);
   // From here on no verdict may fall: a cancel stays one, also of a load that was complete.
-  Timer2_.Enabled(false);
-  Timer3_.Enabled(false);
+  phase_ = LoadPhase::cancelling;
   link_.MSComm1.FileSendOn(false);
   if (link_.forms.form1.mnuload[fast_load_item].Checked) undo_fast_load(link_);
-  close();
+  Form_Unload();
 }
 
 void Upgrade::runtop() {
@@ -222,17 +257,19 @@ void Upgrade::runtop() {
   link_.forms.form3.Picture1 = cell;
 }
 
-void Upgrade::Timer3_Timer() {
-  if (!link_.MSComm1.FileBusy()) Timer2_.Enabled(true);
+void Upgrade::settle() {
+  phase_ = LoadPhase::settling;
+  Timer2_.Enabled(true);
 }
 
-void Upgrade::Timer2_Timer() {
-  Timer2_.Enabled(false);
+void Upgrade::judge() {
   const ProgressBar& bar = link_.forms.form3.ProgressBar1;
   const bool complete = bar.Value >= bar.Max && bar.Value <= bar.Max;
-  const While after_verdict(after_verdict_);
-  close();
-  if (complete) welcome_new_firmware();
+  Form_Unload();
+  if (!complete) return;
+  phase_ = LoadPhase::restarting;
+  welcome_new_firmware();
+  phase_ = LoadPhase::idle;
 }
 
 void Upgrade::welcome_new_firmware() {

@@ -37,7 +37,7 @@ struct Caret {
 
 struct ComboBox {
   std::string Text;
-  int ListIndex = -1;  ///< position in the list from 0, -1 where the text is none of its items
+  int ListIndex = -1;  ///< position in the list from 0, -1 if the text is none of its items
 };
 
 struct TabControl {

@@ -70,7 +70,6 @@ struct Form2 {
 
 /// The window of a firmware upload. Its timers stand with the job that owns them.
 struct Form3 {
-  bool Loaded = false;
   bool Visible = false;
   std::string Text1, Text2, Text3, Text4;
   ProgressBar ProgressBar1;

@@ -47,11 +47,11 @@ struct FileDialog {
 class WindowSystem : public Clock {
  public:
   /// Delivers pending events, among them due timers and what the line received.
-  /// Throws Ended where the process is to end.
+  /// Throws Ended if the process is to end.
   virtual void pump(Wait wait) = 0;
 
   /// Shows a modal box and returns the button pressed. A box taken down unanswered gives the
-  /// refusing button: cancel, no, or ok where there is no other. Throws Ended as pump() does.
+  /// refusing button: cancel, no, or ok if there is no other. Throws Ended as pump() does.
   virtual Answer MsgBox(const MessageBox& box) = 0;
   /// Takes down the boxes owned by `owner` that still stand.
   virtual void dismiss_boxes(Owner owner) = 0;

@@ -65,7 +65,7 @@ class Pilot {
   /// Titles and chosen filters of all file dialogs, "title|filter", oldest first.
   QStringList dialogs() const { return dialogs_; }
 
-  /// Keeps the event loop running until the condition holds; false where it doesn't in time.
+  /// Keeps the event loop running until the condition holds; false if it doesn't in time.
   static bool wait_for(const std::function<bool()>& condition, int most_ms = 5000);
 
   /// A line to the simulator's standard input.

@@ -12,7 +12,7 @@ namespace orvex::testing {
 /// A raw pseudo-terminal: what one end writes the other reads. Closes both ends.
 class Pty {
  public:
-  /// Throws std::system_error where the system has none left.
+  /// Throws std::system_error if the system has none left.
   Pty();
   ~Pty();
   Pty(const Pty&) = delete;

@@ -29,7 +29,7 @@ struct ReceiverScript {
   bool complains = true;              // at once; else where it is asked next
   std::uint32_t first_place = 0;
   Step turns_bad = Step::never;    // there, and from then on, it only says `says`
-  std::uint64_t turns_bad_at = 0;  // bytes received, where turns_bad is data
+  std::uint64_t turns_bad_at = 0;  // bytes received, if turns_bad is data
   std::string says = {};
   Time every{};          // 0: once
   bool takes_on = true;  // it still takes what it hears
@@ -49,7 +49,7 @@ class ScriptedReceiver {
   std::uint32_t offer_flags = 0;
   bool cancelled = false;  // five CAN heard
   bool overrun = false;    // a segment beyond the buffer, or bytes while writing
-  bool over = false;       // OO heard behind ZFIN
+  bool over = false;       // OO heard after ZFIN
   Time turned_at{};        // when it turned bad
   int complaints = 0;      // ZRPOS for damaged or misplaced data
   int erased = 0;          // times
@@ -78,7 +78,7 @@ class ScriptedReceiver {
   bool escaped_ = false;
   bool turned_ = false;
   int cancels_ = 0;
-  std::string tail_;  // behind ZFIN
+  std::string tail_;  // after ZFIN
   std::size_t segment_ = 0;
   std::uint64_t offered_ = 0;  // bytes
   Time now_{};

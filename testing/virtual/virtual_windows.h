@@ -19,7 +19,7 @@ class Actor {
  public:
   virtual ~Actor() = default;
   virtual std::optional<Time> due() const = 0;
-  /// Does all that is due. True where the tool heard of it.
+  /// Does all that is due. True if the tool heard of it.
   virtual bool act() = 0;
 };
 

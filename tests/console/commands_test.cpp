@@ -91,6 +91,17 @@ constexpr LoadRow loads[]{
     {"all well", [](CommandDesk&) {}, R"({"after":"4.00   ","before":"3.22","bytes":2000)", 8, 12},
     {"restarted late", [](CommandDesk& desk) { restart_at(desk, 60); }, R"({"after":"4.00   ")", 60,
      66},
+    {"the scanner stays at its parity",
+     [](CommandDesk& desk) {
+       desk.scanner.parameters.apply("<RSPRTY=EVEN>");
+       desk.settings = "9600,E,8,1";
+     },
+     R"({"after":"4.00   ")", 8, 12},
+    {"the image goes under way",
+     [](CommandDesk& desk) {
+       desk.windows.at(1s, [&desk] { std::filesystem::remove(desk.folder.path() / "image.bin"); });
+     },
+     R"({"after":"4.00   ","before":"3.22","bytes":2000)", 8, 12},
     {"never restarted", [](CommandDesk& desk) { desk.scanner.options.restarts_itself = false; },
      "3: ", 120, 133},
     {"the port goes with the power",
@@ -116,7 +127,7 @@ TEST(Commands, a_load_ends_with_the_scanner_back_or_says_what_became_of_it) {
     CommandDesk desk;
     row.befall(desk);
     const auto image = desk.folder.write("image.bin", random_image(2000, 1));
-    const auto result = desk.run({"load", image.string()});
+    const auto result = desk.run({"load", image.string(), "--settings", desk.settings});
     EXPECT_TRUE(result.starts_with(row.result)) << result;
     EXPECT_GE(desk.now(), std::chrono::seconds(row.from_s));
     EXPECT_LE(desk.now(), std::chrono::seconds(row.to_s));

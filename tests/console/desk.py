@@ -5,6 +5,7 @@ The first words on the command line are ORVEXCTL SIMULATOR SCHEMA.
 import json
 import os
 import pathlib
+import signal
 import subprocess
 import sys
 import tempfile
@@ -15,6 +16,9 @@ import jsonschema
 PROGRAM, SIMULATOR, SCHEMA = map(os.path.abspath, sys.argv[1:4])
 DEFS = json.loads(pathlib.Path(SCHEMA).read_text())
 PATIENCE = 60  # seconds, on a machine that is busy with other things
+
+# Where tests run in the background it may be ignored, and programs take that over.
+signal.signal(signal.SIGINT, signal.default_int_handler)
 
 
 def image(revision, size=4096):

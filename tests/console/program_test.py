@@ -41,7 +41,7 @@ LOUD = change("SPVOLU", "HIGH", "LOW")
 
 class Row(typing.NamedTuple):
     options: str          # of the simulator
-    words: str            # on the command line; \N in a word stands for a character
+    words: str            # on the command line; \N in a word stands for a character, '' for none
     code: int
     expected: object      # the document, or what the text of its error has in it
 
@@ -62,6 +62,7 @@ ROWS = [
     Row("", HERE + "set RSBAUD=19200 PREFIX=[STX]é", 0,
         at("19200,N,8,1", changed=[change("RSBAUD", "9600", "19200"), change("PREFIX", "", "[STX]é")])),
     Row("", HERE + "set RSDELY=7", 0, at("9600,N,8,1", changed=[change("RSDELY", "", "007")])),
+    Row("", HERE + "set RSDELY=7 --dry-run", 0, at("9600,N,8,1", changed=[change("RSDELY", "", "007")])),
     Row("", HERE + "save file", 0, at("9600,N,8,1")),
     Row("", HERE + "send low", 0, at("9600,N,8,1", changed=[change("RSDELY", "", "000"), LOUD])),
     Row("", HERE + "send low --dry-run", 0, at("9600,N,8,1", changed=[change("RSDELY", "", "000"), LOUD])),
@@ -91,6 +92,10 @@ ROWS = [
     Row("none", "set SPVOLU=LOW SPVOLU=OFF", 2, "twice"),
     Row("none", "factory", 2, "--yes"),
     Row("none", "load new --restart-wait 86401", 2, "86400"),
+    Row("none", "save ''", 2, "FILE"),
+    Row("none", "load ''", 2, "IMAGE"),
+    Row("none", "find --trace ''", 2, "--trace"),
+    Row("none", "send low --trace ./low", 2, "low"),
     Row("", HERE + "load old", 2, "--allow-older"),
     # Nobody there.
     Row("--fault silent", "find", 3, ""),
@@ -108,7 +113,9 @@ ROWS = [
     Row("--fault only=<RSBAUD --fault unplug-after", HERE + "send low", 5, "went away"),
     Row("--fault only=<RSBAUD --fault ignored", HERE + "set SPVOLU=LOW", 5, "not take SPVOLU"),
     Row("--fault only=<FACDEF --fault nak", HERE + "factory --yes", 5, "refused"),
+    Row("--fault only=<FINGER --fault nak", HERE + "factory --yes", 0, at("9600,N,8,1", changed=[])),
     Row("--fault only=<A1CODE --fault nak", HERE + "load new", 5, "refused"),
+    Row("--fault only=<A1CODE --fault nak", HERE + "load old --allow-older", 5, "refused"),
     # Files.
     Row("none", "send missing", 6, "missing"),
     Row("none", "send text", 6, "no setup"),
@@ -123,7 +130,8 @@ ROWS = [
 
 
 def split(words):
-    return [re.sub(r"\\x(..)|\\u(....)", lambda m: chr(int(m[1] or m[2], 16)), word) for word in words.split()]
+    return [re.sub(r"\\x(..)|\\u(....)", lambda m: chr(int(m[1] or m[2], 16)), word.replace("''", ""))
+            for word in words.split()]
 
 
 class Table(unittest.TestCase):
@@ -183,9 +191,44 @@ class Sequences(unittest.TestCase):
             lines = [re.sub(r"^\d+\.\d{6} ", "", line) for line in (desk.path / "trace").read_text().splitlines()]
         self.assertEqual([line for line in lines if line[0] != "="], ['> SOH "<TXPING:>" EOT', "< ACK"])
 
+    def test_an_empty_device_is_not_the_stored_port(self):
+        with Desk("none") as desk:
+            self.assertEqual(desk.run("--device", "", "find", device=False)[0], 2)
+
     def test_output_that_nobody_takes_is_a_failure(self):
         with open("/dev/full", "w") as full:
             self.assertEqual(subprocess.run([PROGRAM, "ports"], stdout=full, stderr=subprocess.DEVNULL).returncode, 6)
+
+    def test_streams_that_are_closed_cost_the_result_alone(self):
+        # A pipe or port of the program would get their numbers, and then what it prints.
+        with Desk() as desk:
+            load = ["bash", "-c", '"$@" <&- >&- 2>&-', "bash", PROGRAM, "--device", desk.link, "load", desk.path / "new"]
+            self.assertEqual(subprocess.run(load, timeout=PATIENCE).returncode, 6)
+            self.assertEqual(desk.json("show", "RSBAUD")[1]["revisions"]["application1"], "4.00   ")
+
+    def test_a_signal_that_is_ignored_at_the_start_stays_so(self):
+        with Desk("--fault", "silent") as desk:
+            process = subprocess.Popen(["nohup", PROGRAM, "--device", desk.link, "find"], stdin=subprocess.DEVNULL,
+                                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+            desk.wait(lambda: desk.heard("heard <TXPING"))
+            process.send_signal(signal.SIGHUP)
+            self.assertEqual(process.wait(PATIENCE), 3)
+
+    def test_after_a_load_the_device_is_looked_for_behind_its_link(self):
+        with Desk("--restart", "manual") as desk:
+            before = os.path.realpath(desk.link)
+            process = desk.start("--quiet", "load", "new", "--restart-wait", "30")
+            desk.wait(lambda: desk.heard("loaded "))
+            desk.tell("unplug")
+            desk.wait(lambda: not os.path.exists(before))
+            taken = os.openpty()  # the number is another's when it comes back
+            desk.tell("plug")
+            desk.tell("restart")
+            process.communicate(timeout=PATIENCE)
+            for end in taken:
+                os.close(end)
+            self.assertNotEqual(os.path.realpath(desk.link), before)
+            self.assertEqual(process.returncode, 0)
 
     def test_a_port_that_is_held_is_refused_and_its_holder_named(self):
         with Desk("--fault", "silent") as desk:

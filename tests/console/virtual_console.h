@@ -59,6 +59,7 @@ struct CommandDesk : Surroundings {
   }
 
   VirtualConsole console{windows};
+  std::string settings = "9600,N,8,1";  ///< of a command that searches nothing
   std::vector<std::unique_ptr<Session>> sessions;
 };
 

@@ -56,7 +56,7 @@ TEST_F(ManualPortTest, boxes_decide_by_position_or_text) {
     int port_index;
     const char* rate;
     ComboBox parity;
-    const char* settings;  ///< null where the port isn't available
+    const char* settings;  ///< null if the port isn't available
     const char* tip;
   } table[]{{0, "19200", {"EVEN", 2}, "19200,E,8,1", "/dev/virtual1"},
             {1, "115200", {"ODD", 1}, "115200,O,8,1", "/dev/virtual2"},
@@ -124,7 +124,7 @@ TEST_F(ManualPortTest, a_silent_scanner_closes_the_dialog_after_a_second_without
   scanner.faults.silent = simulator::always;
   const Time clicked = now();
   line.paced = false;
-  windows.at(clicked, [&] {  // it comes behind the opening, and ahead of the ping
+  windows.at(clicked, [&] {  // it comes behind the opening, and before the ping
     line.inject("\x06");
     line.act();
   });

@@ -7,7 +7,7 @@
 namespace orvex::testing {
 namespace {
 
-/// The number of the failure that a step ends in, 0 where it works.
+/// The number of the failure that a step ends in, 0 if it works.
 template <typename Step>
 int failure_of(Step&& step) {
   try {

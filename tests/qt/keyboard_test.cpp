@@ -69,7 +69,7 @@ class Keyboard : public ::testing::Test {
     ASSERT_EQ(pilot_.find<QTabWidget>("SSTab1")->currentIndex(), tab);
   }
 
-  /// Tabs on to a control; false where it doesn't come.
+  /// Tabs on to a control; false if it doesn't come.
   static bool tab_to(const QString& name) {
     for (int step = 0; step < 60 && focus() != name; ++step) press(Qt::Key_Tab);
     return focus() == name;

@@ -76,7 +76,7 @@ TEST(LinuxSession, files_that_are_no_setup_come_to_an_end_with_the_window_alive)
   ASSERT_TRUE(beyond.open(QIODevice::WriteOnly) && beyond.resize(qint64{1} << 40));
   const struct {
     const char* name;
-    QByteArray frame;  ///< again and again, empty where there is another file of this name
+    QByteArray frame;  ///< again and again, empty if there is another file of this name
     QStringList boxes;
   } files[]{{"starts", "\x01", {}},
             {"text", "x", {}},

@@ -14,7 +14,7 @@ constexpr std::size_t image_size = 6000;
 constexpr const char* loaded = "- record loaded restart";
 
 /// An outcome is what left_behind() says, then "loaded" where the scanner has the image, "restart"
-/// for the box that says so, "box" for each other but the question ahead of a load, "window" where
+/// for the box that says so, "box" for each other but the question before a load, "window" where
 /// the upload window still stands. A plain and a fast load come to the same.
 struct Fault {
   const char* name;
@@ -107,7 +107,7 @@ std::string run(Desk& desk, const Fault& fault, bool fast) {
     if (shown.box.title == "Application 1 File into ROM...") continue;
     outcome += shown.box.title == "Restart" ? " restart" : " box";
   }
-  if (desk.program.forms.form3.Loaded) outcome += " window";
+  if (desk.program.forms.form3.Visible) outcome += " window";
   return outcome;
 }
 

@@ -33,7 +33,7 @@ TEST_F(GuardsTest, revisions_are_compared_as_the_numbers_of_all_their_digits) {
   const struct {
     const char* scanner;
     const char* image;
-    std::optional<Answer> answer;  ///< to the warning, where one is wanted
+    std::optional<Answer> answer;  ///< to the warning, if one is wanted
     int result;
   } table[]{{"3.21", "3.21   ", std::nullopt, 1}, {"3.21", "3.22   ", std::nullopt, 1},
             {"3.21", "3.20   ", Answer::no, 0},   {"3.21", "3.20   ", Answer::yes, 1},

@@ -34,7 +34,7 @@ TEST_F(UpgradeTest, a_complete_load_ends_in_restart_scan_and_receive) {
   windows.answers = {{Answer::ok, 3s}};
   windows.box_is_up = [&](const MessageBox& box) {
     EXPECT_EQ(form3().Visible, box.title != "Restart");
-    EXPECT_EQ(form3().Loaded && form3().ProgressBar1.Visible, false);
+    EXPECT_FALSE(form3().Visible && form3().ProgressBar1.Visible);
   };
   Time ended{};
   loading.taken = [&] {
@@ -57,7 +57,7 @@ TEST_F(UpgradeTest, a_complete_load_ends_in_restart_scan_and_receive) {
   EXPECT_GE(windows.boxes[1].at - ended, 7s);
   EXPECT_LE(windows.boxes[1].at - ended, 8s);
   EXPECT_EQ((windows.boxes[1].at - started) % 1s, 0s) << "looked at each second, and 7 s later";
-  EXPECT_FALSE(form3().Loaded);
+  EXPECT_FALSE(form3().Visible);
   EXPECT_EQ(panel(1), "Settings: 4800,N,8,1  Com Port: 1");
   EXPECT_EQ(form1().labRevision[1].Caption, " 4.00   ");
   EXPECT_FALSE(form1().Timer1.Enabled());
@@ -126,7 +126,7 @@ TEST_F(UpgradeTest, a_cancel_in_any_phase_closes_the_window_and_leaves_a_link_th
     });
     desk.press(&Program::mnuload_Click, load_item);
     desk.windows.idle(20s);
-    EXPECT_FALSE(desk.program.forms.form3.Loaded);
+    EXPECT_FALSE(desk.program.forms.form3.Visible);
     EXPECT_EQ(desk.windows.box_texts(), question + cancel_question);
     EXPECT_EQ(desk.line.texts(), row.wire);
     EXPECT_EQ(desk.line.settings.baud, row.fast && row.mark_turned ? 115200 : 9600);
@@ -146,7 +146,7 @@ TEST_F(UpgradeTest, a_cancel_while_all_settles_is_one_all_the_same) {
   cancel_at(now() + 6s);
   windows.idle(20s);
   EXPECT_EQ(windows.box_texts(), question + cancel_question);
-  EXPECT_FALSE(form3().Loaded);
+  EXPECT_FALSE(form3().Visible);
   EXPECT_EQ(panel(1), "Settings: 115200,N,8,1  Com Port: 1");
   EXPECT_EQ(panel(2), "TIME OUT COUNT = 2");
   EXPECT_EQ(line.settings.baud, 9600);
@@ -176,7 +176,7 @@ TEST_F(UpgradeTest, a_load_that_the_user_has_left_asks_nothing_more_and_says_not
       desk.press(&Program::mnuload_Click, load_item);
       EXPECT_EQ(desk.windows.box_texts(),
                 question + (leave == &Program::Form3_Close ? "" : cancel_question));
-      EXPECT_FALSE(desk.program.forms.form3.Loaded);
+      EXPECT_FALSE(desk.program.forms.form3.Visible);
       EXPECT_EQ(desk.loading.started, 0);
     }
   }
@@ -245,16 +245,16 @@ TEST_F(UpgradeTest, ends_before_the_transfer_close_the_window_and_say_no_more_th
     press(&Program::mnuload_Click, load_item);
     EXPECT_EQ(windows.box_texts(), row.boxes);
     EXPECT_EQ(line.texts(), row.wire);
-    EXPECT_FALSE(form3().Loaded);
+    EXPECT_FALSE(form3().Visible);
     EXPECT_EQ(loading.started, 0);
     windows.idle(10s);
   }
-  EXPECT_EQ(line.settings.baud, 115200) << "nothing sets the rate back behind a refused load tag";
+  EXPECT_EQ(line.settings.baud, 115200) << "nothing sets the rate back after a refused load tag";
 }
 
 TEST_F(UpgradeTest, a_transfer_that_cannot_begin_shows_the_box_of_its_error) {
   const struct {
-    int number;  ///< 0 where the image goes before the transfer
+    int number;  ///< 0 if the image goes before the transfer
     const char* box;
     Icon icon;
     const char* title;
@@ -278,9 +278,9 @@ TEST_F(UpgradeTest, a_transfer_that_cannot_begin_shows_the_box_of_its_error) {
     EXPECT_EQ(desk.windows.box_texts(), question + row.box);
     EXPECT_EQ(desk.windows.boxes.back().box.icon, row.icon);
     EXPECT_EQ(desk.windows.boxes.back().box.title, row.title);
-    EXPECT_TRUE(desk.program.forms.form3.Loaded) << "the verdict closes it";
+    EXPECT_TRUE(desk.program.forms.form3.Visible) << "the verdict closes it";
     desk.windows.idle(10s);
-    EXPECT_FALSE(desk.program.forms.form3.Loaded);
+    EXPECT_FALSE(desk.program.forms.form3.Visible);
     EXPECT_EQ(desk.windows.boxes.size(), 2U);
   }
 }
@@ -307,7 +307,7 @@ TEST_F(UpgradeTest, the_window_close_control_stops_the_transfer) {
   windows.at(now() + 700ms, [&] { program.Form3_Close(); });
   windows.idle(10s);
   EXPECT_TRUE(loading.receiver.cancelled);
-  EXPECT_FALSE(form3().Loaded);
+  EXPECT_FALSE(form3().Visible);
   EXPECT_EQ(windows.box_texts(), question);
   press(&Program::cmdReceive_Click);
   EXPECT_EQ(panel(2), "");
@@ -358,7 +358,7 @@ TEST_F(UploadWindowTest, a_count_never_overshoots_and_none_is_never_complete) {
   ProgressBar& bar = forms.form3.ProgressBar1;
   upgrade.FileProgress(5);
   EXPECT_EQ(bar.Value, 0) << "there is no window to show it";
-  forms.form3.Loaded = true;
+  forms.form3.Visible = true;
   bar.Visible = false;
   upgrade.FileProgress(0);
   EXPECT_TRUE(bar.Visible && bar.Max == 1 && bar.Value == 0);
@@ -401,7 +401,7 @@ TEST_F(UploadWindowTest, the_bar_is_full_only_when_all_is_done_up_to_4_gib) {
     still.MSComm1.FileProgress = [&](std::int32_t count) { watched.FileProgress(count); };
     still.MSComm1.Protocol(5);
     still.MSComm1.FileSendOn(true);
-    still.forms.form3.Loaded = true;
+    still.forms.form3.Visible = true;
     const ProgressBar& bar = still.forms.form3.ProgressBar1;
     for (const std::uint64_t part : {total / 2, total - 1}) {
       done = part;

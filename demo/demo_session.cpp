@@ -1,8 +1,11 @@
-// Plays a session with the simulated scanner off screen: scan, receive, change, send, receive. It
-// prints what happens and saves pictures of the windows in the folder it is given.
+// Plays a session with the simulated scanner, off screen where there is a choice: scan, receive,
+// change, send, receive, save, factory setup, open, a load. It prints what happens and saves
+// pictures of the windows in the folder it is given. A second word is the scanner's rate; it is
+// random unless told.
 
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QLineEdit>
 #include <QProgressBar>
 #include <QRadioButton>
@@ -11,6 +14,7 @@
 #include <stdexcept>
 
 #include "loop/text.h"
+#include "qt/look.h"
 #include "testing/pilot/pilot.h"
 
 namespace orvex {
@@ -18,7 +22,8 @@ namespace {
 
 class Session {
  public:
-  explicit Session(const QString& pictures) : pictures_(pictures), pilot_({"--rate", "random"}) {
+  Session(const QString& pictures, const QString& rate)
+      : pictures_(pictures), pilot_({"--rate", rate}) {
     QDir().mkpath(pictures);
   }
 
@@ -30,7 +35,11 @@ class Session {
     send();
     receive();
     check();
+    say("The scanner has kept the changes.");
     save_tabs();
+    save();
+    factory();
+    open();
     show_dialogs();
     upload();
     pilot_.click("cmdExit");
@@ -84,9 +93,31 @@ class Session {
     const bool changed = pilot_.find<QRadioButton>("Option14")->isChecked() &&
                          pilot_.find<QRadioButton>("Option30")->isChecked() &&
                          pilot_.text("Text2") == "[STX]demo";
-    if (!changed) throw std::runtime_error("the scanner didn't keep the changes");
-    say("The scanner has kept the changes.");
+    if (!changed) throw std::runtime_error("the changes are not there");
   }
+
+  void save() {
+    pilot_.choose_next_file(file());
+    pilot_.click("mnusave");
+    if (!QFile::exists(file())) throw std::runtime_error("nothing was saved");
+  }
+
+  void factory() {
+    pilot_.click("cmdFactory");
+    expect_no_error();
+    if (!pilot_.text("Text2").isEmpty()) throw std::runtime_error("a prefix is left");
+    say("The scanner has its factory setup.");
+  }
+
+  void open() {
+    pilot_.choose_next_file(file());
+    pilot_.click("mnuopen");
+    check();
+    send();
+    say("The saved setup is in the scanner again.");
+  }
+
+  QString file() const { return pilot_.folder() + "/setup \u65E5\u672C.txt"; }
 
   void expect_no_error() const {
     if (!pilot_.panel(2).isEmpty()) throw std::runtime_error(pilot_.panel(2).toStdString());
@@ -138,11 +169,12 @@ class Session {
 }  // namespace orvex
 
 int main(int argc, char* argv[]) {
-  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+  orvex::choose_screen();
   const QApplication application(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);
+  orvex::set_look();
   try {
-    orvex::Session(argc > 1 ? argv[1] : "screenshots").play();
+    orvex::Session(argc > 1 ? argv[1] : "screenshots", argc > 2 ? argv[2] : "random").play();
   } catch (const std::exception& error) {
     std::fprintf(stderr, "The session failed: %s\n", error.what());
     return 1;

@@ -1,11 +1,29 @@
 # The packages orvex, orvexctl and orvex-simulator for Debian 12, and the checks of their parts.
 # docs/releasing.md tells how they are made.
-if(NOT CMAKE_SYSTEM_NAME STREQUAL "Linux" OR NOT ORVEX_GUI)
+if(NOT ORVEX_GUI)
   return()
 endif()
 
 set(parts ${CMAKE_CURRENT_LIST_DIR})
 set(generated ${PROJECT_BINARY_DIR}/packaging)
+
+# The user's documents lie side by side on a user's machine; what else the README leads to stays in
+# the source.
+function(install_documents)
+  file(READ ${PROJECT_SOURCE_DIR}/README.md readme)
+  string(REGEX REPLACE "!\\[[^]]*\\]\\([^)]*\\)\n+" "" readme "${readme}")
+  string(REGEX REPLACE "## Two commands.*(## Installing)" "\\1" readme "${readme}")
+  string(REGEX REPLACE "docs/(ports|wire-format)\\.md" "\\1.md" readme "${readme}")
+  file(WRITE ${generated}/README.md "${readme}")
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/README.md)
+  install(FILES ${generated}/README.md ${PROJECT_SOURCE_DIR}/docs/ports.md
+    ${PROJECT_SOURCE_DIR}/docs/wire-format.md ${ARGN})
+endfunction()
+
+if(WIN32)
+  include(${parts}/windows/package.cmake)
+  return()
+endif()
 
 # Files that name the state folder.
 foreach(file orvex.1 orvexctl.1 orvex-simulator.1 tmpfiles.conf is-scanner-port postrm)
@@ -39,16 +57,7 @@ install_for(orvex orvex)
 install_for(orvexctl orvexctl)
 install_for(simulator orvex-simulator)
 
-# The user's documents lie side by side on a user's machine; what else the README leads to stays in
-# the source.
-file(READ ${PROJECT_SOURCE_DIR}/README.md readme)
-string(REGEX REPLACE "!\\[[^]]*\\]\\([^)]*\\)\n+" "" readme "${readme}")
-string(REGEX REPLACE "## Two commands.*(## Installing)" "\\1" readme "${readme}")
-string(REGEX REPLACE "docs/(ports|wire-format)\\.md" "\\1.md" readme "${readme}")
-file(WRITE ${generated}/README.md "${readme}")
-set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/README.md)
-install(FILES ${generated}/README.md ${PROJECT_SOURCE_DIR}/docs/ports.md
-  ${PROJECT_SOURCE_DIR}/docs/wire-format.md DESTINATION share/doc/orvex COMPONENT orvex)
+install_documents(DESTINATION share/doc/orvex COMPONENT orvex)
 
 install(FILES ${parts}/lintian-overrides RENAME orvex
   DESTINATION share/lintian/overrides COMPONENT orvex)

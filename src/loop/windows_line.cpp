@@ -65,6 +65,14 @@ OVERLAPPED* Operation::begin() {
   return &overlapped_;
 }
 
+DWORD Operation::begun(BOOL is_done) {
+  const DWORD error = is_done ? 0 : ::GetLastError();
+  if (error == 0 || error == ERROR_IO_PENDING) return 0;
+  begun_ = false;
+  ended.setEnabled(false);
+  return error;
+}
+
 Operation::End Operation::end(HANDLE port) {
   End result;
   begun_ = false;
@@ -169,9 +177,8 @@ DWORD WindowsLine::take(const LineSettings& settings) {
 
 /// Waits for the next byte. Gives the system's error, 0 if none.
 DWORD WindowsLine::arm() {
-  if (::ReadFile(port_, &first_, 1, nullptr, reading_.begin())) return 0;
-  const DWORD error = ::GetLastError();
-  return error == ERROR_IO_PENDING ? 0 : error;
+  OVERLAPPED* const operation = reading_.begin();
+  return reading_.begun(::ReadFile(port_, &first_, 1, nullptr, operation));
 }
 
 void WindowsLine::heard() {
@@ -195,10 +202,9 @@ DWORD WindowsLine::read_rest() {
   if (there == 0) return 0;
   std::string rest(there, '\0');
   OVERLAPPED* const operation = reading_.begin();
-  if (!::ReadFile(port_, rest.data(), static_cast<DWORD>(there), nullptr, operation) &&
-      ::GetLastError() != ERROR_IO_PENDING) {
-    return ::GetLastError();
-  }
+  const DWORD refusal =
+      reading_.begun(::ReadFile(port_, rest.data(), static_cast<DWORD>(there), nullptr, operation));
+  if (refusal != 0) return refusal;
   const auto [bytes, error] = reading_.end(port_);
   came_.append(rest, 0, bytes);
   return error;
@@ -225,12 +231,9 @@ DWORD WindowsLine::send_piece() {
   piece_size_ = std::min(queue_.size(), largest_piece);
   std::copy_n(queue_.begin(), piece_size_, piece_.begin());
   queue_.erase(0, piece_size_);
-  if (::WriteFile(port_, piece_.data(), static_cast<DWORD>(piece_size_), nullptr,
-                  writing_.begin())) {
-    return 0;
-  }
-  const DWORD error = ::GetLastError();
-  return error == ERROR_IO_PENDING ? 0 : error;
+  OVERLAPPED* const operation = writing_.begin();
+  return writing_.begun(
+      ::WriteFile(port_, piece_.data(), static_cast<DWORD>(piece_size_), nullptr, operation));
 }
 
 void WindowsLine::sent() {

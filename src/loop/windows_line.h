@@ -21,8 +21,10 @@ class Operation {
   Operation(const Operation&) = delete;
   Operation& operator=(const Operation&) = delete;
 
-  /// What the system is given for a new operation.
+  /// What the system is given for a new operation; what its call returned goes to begun().
   OVERLAPPED* begin();
+  /// The system's error where it didn't take the operation, 0 if it did.
+  DWORD begun(BOOL is_done);
   bool has_begun() const { return begun_; }
   /// The number of bytes of an operation that has come to its end, and the system's error, 0 if
   /// none.

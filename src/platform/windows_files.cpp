@@ -11,6 +11,8 @@ namespace {
 
 std::error_code error_of_system(DWORD number) {
   switch (number) {
+    case ERROR_FILE_NOT_FOUND:
+      return std::make_error_code(std::errc::no_such_file_or_directory);
     case ERROR_PATH_NOT_FOUND:
     case ERROR_BAD_PATHNAME:
       return std::make_error_code(std::errc::not_a_directory);
@@ -20,6 +22,14 @@ std::error_code error_of_system(DWORD number) {
     case ERROR_ACCESS_DENIED:
     case ERROR_WRITE_PROTECT:
       return std::make_error_code(std::errc::permission_denied);
+    case ERROR_DISK_FULL:
+    case ERROR_HANDLE_DISK_FULL:
+      return std::make_error_code(std::errc::no_space_on_device);
+    case ERROR_NOT_READY:
+      return std::make_error_code(std::errc::no_such_device);
+    case ERROR_CRC:
+    case ERROR_IO_DEVICE:
+      return std::make_error_code(std::errc::io_error);
     case ERROR_FILENAME_EXCED_RANGE:
       return std::make_error_code(std::errc::filename_too_long);
     case ERROR_INVALID_NAME:
@@ -55,6 +65,17 @@ HANDLE handle_of(std::intptr_t handle) {
   return reinterpret_cast<HANDLE>(handle);
 }
 
+/// The name in the form that may have more than 260 characters, where it needs that.
+std::wstring whole_name(const fs::path& path) {
+  std::error_code error;
+  const fs::path whole = fs::absolute(path, error).lexically_normal().make_preferred();
+  constexpr std::size_t most_usual = 240;  // leaves room for a name of the tool's own beside it
+  if (error || whole.native().size() < most_usual || whole.native().starts_with(LR"(\\)")) {
+    return path.native();
+  }
+  return LR"(\\?\)" + whole.native();
+}
+
 std::error_code write_whole(HANDLE file, std::string_view bytes) {
   while (!bytes.empty()) {
     const auto piece = static_cast<DWORD>(std::min<std::size_t>(bytes.size(), 1U << 20));
@@ -62,7 +83,8 @@ std::error_code write_whole(HANDLE file, std::string_view bytes) {
     if (!::WriteFile(file, bytes.data(), piece, &written, nullptr)) return last_error();
     bytes.remove_prefix(written);
   }
-  return ::FlushFileBuffers(file) ? std::error_code{} : last_error();
+  // In place of a longer file, the rest of it goes.
+  return ::SetEndOfFile(file) && ::FlushFileBuffers(file) ? std::error_code{} : last_error();
 }
 
 /// A file of its own name beside the one that is to be replaced.
@@ -93,8 +115,7 @@ std::error_code write_in_place(const fs::path& path, std::string_view bytes) {
   const Handle file(::CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
                                   FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
   if (!file.is_valid()) return last_error();
-  if (const auto error = write_whole(file.get(), bytes)) return error;
-  return ::SetEndOfFile(file.get()) ? std::error_code{} : last_error();
+  return write_whole(file.get(), bytes);
 }
 
 }  // namespace
@@ -106,6 +127,7 @@ std::error_code replace_file(const fs::path& name, std::string_view bytes, Links
     path = fs::weakly_canonical(name, error);
     if (error) return error;
   }
+  path = whole_name(path);
   const DWORD attributes = ::GetFileAttributesW(path.c_str());
   const bool exists = attributes != INVALID_FILE_ATTRIBUTES;
   if (exists && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
@@ -141,8 +163,9 @@ std::error_code InputFile::open(const fs::path& path, Links links) {
   close();
   const DWORD flags =
       FILE_ATTRIBUTE_NORMAL | (links == Links::replace ? FILE_FLAG_OPEN_REPARSE_POINT : 0);
-  const HANDLE file = ::CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE,
-                                    nullptr, OPEN_EXISTING, flags, nullptr);
+  const HANDLE file =
+      ::CreateFileW(whole_name(path).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE,
+                    nullptr, OPEN_EXISTING, flags, nullptr);
   if (file == INVALID_HANDLE_VALUE) {
     const auto error = last_error();
     std::error_code ignored;

@@ -9,9 +9,9 @@ namespace orvex::platform {
 
 std::filesystem::path state_folder() {
   constexpr UINT buffer_size = 145;
-  std::array<char, buffer_size> folder{};
-  const UINT length = ::GetWindowsDirectoryA(folder.data(), buffer_size);
-  return std::string(folder.data(), length < buffer_size ? length : 0);
+  std::array<wchar_t, buffer_size> folder{};
+  const UINT length = ::GetSystemWindowsDirectoryW(folder.data(), buffer_size);
+  return std::wstring(folder.data(), length < buffer_size ? length : 0);
 }
 
 std::string device_of_port(int number, const std::filesystem::path& /*folder*/) {

@@ -1,7 +1,10 @@
 #include "qt/focus_style.h"
 
 #include <QPainter>
+#include <QStyleFactory>
 #include <QStyleOption>
+
+#include "qt/habits.h"
 
 namespace orvex {
 namespace {
@@ -23,6 +26,8 @@ bool is_worked_by_keys(const QStyleOption& option) {
 }
 
 }  // namespace
+
+FocusStyle::FocusStyle() : QProxyStyle(QStyleFactory::create(style_name())) {}
 
 void FocusStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
                                QPainter* painter, const QWidget* widget) const {

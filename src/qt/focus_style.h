@@ -8,6 +8,8 @@ namespace orvex {
 /// the text around what has it, once keys are used.
 class FocusStyle final : public QProxyStyle {
  public:
+  FocusStyle();
+
   void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                      const QWidget* widget) const override;
   void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,

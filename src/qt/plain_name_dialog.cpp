@@ -5,21 +5,10 @@
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QSettings>
 
 namespace orvex {
-namespace {
 
-/// The toolkit's dialog keeps notes among the user's settings, from its making to its end. In a
-/// folder that can't exist it finds none and writes none.
-QWidget* without_notes(QWidget* parent) {
-  QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, "/dev/null");
-  return parent;
-}
-
-}  // namespace
-
-PlainNameDialog::PlainNameDialog(QWidget* parent) : QFileDialog(without_notes(parent)) {
+PlainNameDialog::PlainNameDialog(QWidget* parent) : QFileDialog(parent) {
   // Desktops' own dialogs add endings to names and ask questions of their own.
   setOption(QFileDialog::DontUseNativeDialog);
   name_ = findChild<QLineEdit*>("fileNameEdit");

@@ -2,13 +2,15 @@
 
 #include <QFileDialog>
 
+#include "qt/habits.h"
+
 class QLineEdit;
 
 namespace orvex {
 
 /// The toolkit's own file dialog, which takes one name as it stands in its box. The toolkit would
 /// read double quotes as marks around each of several names.
-class PlainNameDialog final : public QFileDialog {
+class PlainNameDialog final : private DialogNotes, public QFileDialog {
  public:
   explicit PlainNameDialog(QWidget* parent);
 

@@ -3,7 +3,6 @@
 #include <QApplication>
 #include <QDesktopServices>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QScreen>
 #include <algorithm>
@@ -11,6 +10,7 @@
 #include "base/run_time_error.h"
 #include "loop/text.h"
 
+#include "qt/habits.h"
 #include "qt/message_window.h"
 #include "qt/plain_name_dialog.h"
 #include "qt/web_address.h"
@@ -85,7 +85,7 @@ std::optional<std::filesystem::path> QtWindows::run_dialog(PlainNameDialog& dial
   dialog.setWindowTitle(to_qt(texts.title));
   dialog.setNameFilters({to_qt(texts.first_filter) + " (*)", to_qt(texts.second_filter)});
   dialog.selectNameFilter(to_qt(texts.second_filter));
-  dialog.setDirectory(last_folder_.isEmpty() ? QDir::currentPath() : last_folder_);
+  dialog.setDirectory(last_folder_.isEmpty() ? first_folder() : last_folder_);
   draw();
   loop.arm();
   const bool accepted = dialog.exec() == QDialog::Accepted;
@@ -93,7 +93,9 @@ std::optional<std::filesystem::path> QtWindows::run_dialog(PlainNameDialog& dial
   const QString path = dialog.chosen();
   if (!accepted || path.isEmpty()) return std::nullopt;
   last_folder_ = QFileInfo(path).absolutePath();
-  return std::filesystem::path(QFile::encodeName(path).toStdString());
+  // What both systems take for UTF-8.
+  const QByteArray bytes = path.toUtf8();
+  return std::filesystem::path(std::u8string(bytes.begin(), bytes.end()));
 }
 
 int QtWindows::screen_width() const {

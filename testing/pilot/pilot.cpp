@@ -26,13 +26,8 @@ Control& require(Control* control, const QString& name) {
 
 }  // namespace
 
-Pilot::Pilot(const QStringList& simulator_options, bool with_scanner) {
-  if (with_scanner) {
-    scanner_.setProcessChannelMode(QProcess::MergedChannels);
-    scanner_.start(ORVEX_SIMULATOR, simulator_options + QStringList{folder() + "/com1"});
-    const bool linked = wait_for([this] { return QFileInfo(folder() + "/com1").isSymLink(); });
-    if (!linked) throw std::runtime_error("the simulator didn't start");
-  }
+Pilot::Pilot(const QStringList& simulator_options, int port) {
+  if (port != 0) scanner_ = start_scanner(simulator_options, folder(), port);
   restart_tool();
   looker_.callOnTimeout([this] { look_for_dialogs(); });
   look();
@@ -49,9 +44,10 @@ void Pilot::look() {
 
 Pilot::~Pilot() {
   desktop_.reset();
-  scanner_.closeWriteChannel();
-  scanner_.terminate();
-  scanner_.waitForFinished();
+  QFile log(qEnvironmentVariable("ORVEX_WIRE_LOG"));
+  if (!scanner_ || log.fileName().isEmpty() || !log.open(QIODevice::Append)) return;
+  wait_for([] { return false; }, 50);  // the simulator may have to say something yet
+  log.write(scanner_log().toLocal8Bit());
 }
 
 void Pilot::start() {
@@ -124,12 +120,11 @@ bool Pilot::wait_for(const std::function<bool()>& condition, int most_ms) {
 }
 
 void Pilot::tell_scanner(const QString& command) {
-  scanner_.write(command.toLocal8Bit() + '\n');
-  scanner_.waitForBytesWritten();
+  scanner_->tell(command);
 }
 
 QString Pilot::scanner_log() {
-  scanner_log_ += scanner_.readAll();
+  scanner_log_ += scanner_->printed();
   return QString::fromLocal8Bit(scanner_log_);
 }
 

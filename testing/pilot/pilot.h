@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QApplication>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QWidget>
@@ -10,15 +9,18 @@
 #include <vector>
 
 #include "qt/desktop.h"
+#include "testing/pilot/pilot_system.h"
 
 namespace orvex {
 
-/// The real program and a simulated scanner on a pseudo-terminal, worked by the names of the
-/// controls as a user's own automation would.
+/// The real program and a simulated scanner, worked by the names of the controls as a
+/// user's own automation would.
 class Pilot {
  public:
-  /// `simulator_options` as on the simulator's command line; it listens on COM 1.
-  explicit Pilot(const QStringList& simulator_options, bool with_scanner = true);
+  /// `simulator_options` as on the simulator's command line; it is on COM `port`, 1 or 2, or 0 for
+  /// none.
+  explicit Pilot(const QStringList& simulator_options, int port = 1);
+  /// Appends what the simulator has printed to the file ORVEX_WIRE_LOG, if the environment has it.
   ~Pilot();
   Pilot(const Pilot&) = delete;
   Pilot& operator=(const Pilot&) = delete;
@@ -68,7 +70,10 @@ class Pilot {
 
   /// A line to the simulator's standard input.
   void tell_scanner(const QString& command);
+  /// All that the simulator has printed.
   QString scanner_log();
+  /// What the tool calls the device of COM `port`, while a scanner is plugged in there.
+  QString device(int port = 1) const { return device_name(folder(), port); }
 
   QString folder() const { return folder_.path(); }
   /// Takes the tool down as the end of its process does.
@@ -84,7 +89,7 @@ class Pilot {
   bool choose_file();
 
   QTemporaryDir folder_;
-  QProcess scanner_;
+  std::unique_ptr<ScannerProcess> scanner_;
   QByteArray scanner_log_;
   std::unique_ptr<Desktop> desktop_;
   QTimer looker_;

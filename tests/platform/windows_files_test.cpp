@@ -3,6 +3,8 @@
 // After windows.h.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
 #include "base/run_time_error.h"
 #include "link/port_store.h"
 #include "platform/files.h"
@@ -43,7 +45,7 @@ TEST(WindowsFiles, are_replaced_whole_under_names_of_every_kind) {
   const TemporaryFolder folder;
   for (const std::wstring& name :
        {std::wstring(L"plain.txt"), std::wstring(L"\u65E5\u672C.txt"),
-        std::wstring(L"with blanks & 100 %.txt"), std::wstring(200, L'n')}) {
+        std::wstring(L"with blanks & 100 %.txt"), std::wstring(250, L'n')}) {
     const fs::path file = folder.path() / name;
     EXPECT_EQ(replaced(file, "old and longer"), 0);
     EXPECT_EQ(replaced(file, "new"), 0);
@@ -86,6 +88,26 @@ TEST(WindowsFiles, the_stored_port_comes_back) {
   EXPECT_TRUE(fs::is_directory(platform::state_folder()));
   EXPECT_EQ(platform::device_of_port(0, {}), "");
   EXPECT_EQ(platform::device_of_port(250, {}), "") << "there is no such port";
+}
+
+TEST(WindowsFiles, the_stored_port_is_written_in_place_where_its_folder_takes_no_new_file) {
+  // Made by packaging/windows/test, which has several users.
+  const char* locked = std::getenv("ORVEX_LOCKED_FOLDER");
+  if (locked == nullptr) GTEST_SKIP() << "this user may make files everywhere";
+  const fs::path folder(locked);
+  PortState state;
+  Load_Ini(state, folder);
+  EXPECT_EQ(state.PortCom, "4");
+  EXPECT_TRUE(save_ini(state, 2, "9600,N,8,1"));
+  EXPECT_EQ(content(state.IniPath), "PORTCOM=2;PORTSET=9600,N,8,1;SUPPSET=;\r\n");
+  EXPECT_EQ(replaced(state.IniPath, "no"), error_number::permission_denied) << "a user's own file";
+  EXPECT_EQ(replaced(folder / "new", "no", platform::Links::replace),
+            error_number::permission_denied);
+  PortState fixed;
+  Load_Ini(fixed, folder / "fixed");
+  EXPECT_EQ(fixed.PortCom, "1") << "it holds no port and can't be mended";
+  EXPECT_FALSE(save_ini(fixed, 2, "9600,N,8,1"));
+  EXPECT_EQ(content(fixed.IniPath), "PORTCOM=9;");
 }
 
 }  // namespace

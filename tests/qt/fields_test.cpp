@@ -19,7 +19,7 @@ namespace {
 
 class Fields : public ::testing::Test {
  protected:
-  Fields() : pilot_({}, false) {
+  Fields() : pilot_({}, 0) {
     pilot_.desktop().program.forms.form1.Visible = true;
     draw();
     pilot_.find("Form1")->activateWindow();

@@ -3,8 +3,10 @@
 #include <QApplication>
 #include <QTemporaryDir>
 
+#include "testing/pilot/pilot_system.h"
+
 int main(int argc, char* argv[]) {
-  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+  orvex::choose_screen();
   // Whatever is written among the user's settings is seen there, and no user's own are in the way.
   const QTemporaryDir settings;
   qputenv("XDG_CONFIG_HOME", settings.path().toLocal8Bit());

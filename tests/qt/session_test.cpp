@@ -1,17 +1,13 @@
 #include <gtest/gtest.h>
 
 #include <QDesktopServices>
-#include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QRadioButton>
 #include <QTextBrowser>
-#include <algorithm>
 #include <cstdio>
-#include <ctime>
 
 #include "base/run_time_error.h"
 #include "testing/pilot/pilot.h"
@@ -53,9 +49,9 @@ TEST(Session, a_wait_for_a_silent_scanner_costs_next_to_no_processor_time) {
   Pilot pilot({"--rate", "9600"});
   pilot.start();
   pilot.tell_scanner("silent on");
-  const std::clock_t before = std::clock();
+  const double before = processor_seconds();
   pilot.click("cmdReceive");
-  const double seconds = static_cast<double>(std::clock() - before) / CLOCKS_PER_SEC;
+  const double seconds = processor_seconds() - before;
   EXPECT_EQ(pilot.panel(2).toStdString(), "Error in Receiving");
   // Three waits of a second each; the windows' own drawing is in it too.
   EXPECT_LT(seconds, 0.2);
@@ -65,20 +61,19 @@ TEST(Session, a_saved_setup_is_opened_again_and_a_failure_shows_its_number) {
   Pilot pilot({"--rate", "9600"});
   pilot.start();
   pilot.click("Option42");
+  const QString path = pilot.folder() + "/setup \u65E5\u672C.txt";
   for (const char* text : {"old", "[STX]AB"}) {
     pilot.find<QLineEdit>("Text2")->setText(text);
-    pilot.choose_next_file(pilot.folder() + "/setup.txt");
+    pilot.choose_next_file(path);
     pilot.click("mnusave");
   }
   pilot.find<QLineEdit>("Text2")->clear();
   pilot.click("Option43");
-  pilot.choose_next_file(pilot.folder() + "/setup.txt");
+  pilot.choose_next_file(path);
   pilot.click("mnuopen");
   EXPECT_EQ(pilot.text("Text2").toStdString(), "[STX]AB");
   EXPECT_TRUE(pilot.find<QRadioButton>("Option43")->isChecked()) << "CTS/RTS is in no file";
-  const QStringList settings = QDir(qEnvironmentVariable("XDG_CONFIG_HOME"))
-                                   .entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
-  EXPECT_EQ(settings, QStringList()) << "a dialog has left something";
+  EXPECT_EQ(kept_settings(), QStringList()) << "a dialog has left something";
 
   QString next_folder;
   QTimer::singleShot(50, [&] {
@@ -99,31 +94,6 @@ TEST(Session, a_saved_setup_is_opened_again_and_a_failure_shows_its_number) {
   EXPECT_EQ(pilot.boxes(), QStringList{"Error: Error # 76 Path not found"});
 }
 
-TEST(Session, a_name_with_double_quotes_is_the_name_of_the_file) {
-  Pilot pilot({"--rate", "9600"});
-  pilot.start();
-  const QDir folder(pilot.folder());
-  for (const char* name : {"a \"b\" c.txt", "19\" rack", "\"quoted\""}) {
-    SCOPED_TRACE(name);
-    const QStringList before = folder.entryList(QDir::Files);
-    pilot.find<QLineEdit>("Text2")->setText(name);
-    pilot.choose_next_file(folder.filePath(name));
-    pilot.click("mnusave");
-    QStringList after = folder.entryList(QDir::Files);
-    after.removeOne(name);
-    EXPECT_EQ(after, before);
-    EXPECT_TRUE(folder.exists(name));
-    pilot.find<QLineEdit>("Text2")->clear();
-    pilot.choose_next_file(folder.filePath(name));
-    pilot.click("mnuopen");
-    EXPECT_EQ(pilot.text("Text2").toStdString(), name);
-  }
-  pilot.choose_next_file(folder.filePath("missing/\"x\""));
-  pilot.answer_next_box("OK");
-  pilot.click("mnusave");
-  EXPECT_EQ(pilot.boxes(), QStringList{"Error: Error # 76 Path not found"});
-}
-
 /// A system that speaks German.
 class GermanErrors final : public std::error_category {
  public:
@@ -132,68 +102,11 @@ class GermanErrors final : public std::error_category {
 };
 
 TEST(Session, the_systems_own_words_are_shown_as_they_are_meant) {
-  Pilot pilot({}, false);
+  Pilot pilot({}, 0);
   pilot.answer_next_box("OK");
   const GermanErrors german;
   pilot.desktop().windows.MsgBox({.text = error_of({22, german}).text});
   EXPECT_EQ(pilot.boxes().last().toStdString(), "Orvex1: Das Argument ist ung\xC3\xBCltig");
-}
-
-TEST(Session, the_tool_tip_of_panel_1_names_the_device_that_is_open) {
-  Pilot pilot({"--rate", "9600"});
-  pilot.start();
-  const QString link = pilot.folder() + "/com1";
-  const QString device = QFileInfo(link).symLinkTarget();
-  EXPECT_EQ(pilot.find("sbrStatus.Panels(1)")->toolTip(), device);
-  QFile::remove(link);
-  QFile::link("/dev/null", link);
-  pilot.click("cmdReceive");
-  EXPECT_EQ(pilot.panel(2).toStdString(), "");
-  EXPECT_EQ(pilot.find("sbrStatus.Panels(1)")->toolTip(), device);
-}
-
-TEST(Session, files_that_are_no_setup_come_to_an_end_with_the_window_alive) {
-  Pilot pilot({"--rate", "9600"});
-  pilot.start();
-  QFile::link("/dev/zero", pilot.folder() + "/endless");
-  QFile beyond(pilot.folder() + "/beyond");
-  ASSERT_TRUE(beyond.open(QIODevice::WriteOnly) && beyond.resize(qint64{1} << 40));
-  const struct {
-    const char* name;
-    QByteArray frame;  ///< again and again, empty if there is another file of this name
-    QStringList boxes;
-  } files[]{{"starts", "\x01", {}},
-            {"text", "x", {}},
-            {"value", "\x01<PREFIX=" + QByteArray(50'000'000, 'x') + ">\x04", {}},
-            {"endless", "", {"Error: Error # 75 Path/File access error"}},
-            {"beyond", "", {"Error: Error # 1012 Cannot allocate memory"}}};
-  QElapsedTimer since_turn;
-  qint64 longest_ms = 0;
-  QTimer turns;
-  turns.callOnTimeout([&] { longest_ms = std::max<qint64>(longest_ms, since_turn.restart()); });
-  for (const auto& file : files) {
-    SCOPED_TRACE(file.name);
-    QFile whole(pilot.folder() + "/" + file.name);
-    if (!file.frame.isEmpty()) {
-      ASSERT_TRUE(whole.open(QIODevice::WriteOnly));
-      whole.write(file.frame.repeated(100'000'000 / file.frame.size()));
-      whole.close();
-    }
-    pilot.choose_next_file(whole.fileName());
-    if (!file.boxes.empty()) pilot.answer_next_box("OK");
-    const auto boxes_before = pilot.boxes().size();
-    QElapsedTimer clock;
-    clock.start();
-    since_turn.start();
-    turns.start(1);
-    pilot.click("mnuopen");
-    turns.stop();
-    std::printf("%-8s %lld ms, the window's longest rest %lld ms\n", file.name, clock.elapsed(),
-                longest_ms);
-    EXPECT_LT(clock.elapsed(), 5000);
-    EXPECT_LT(longest_ms, 500);
-    EXPECT_EQ(pilot.boxes().mid(boxes_before), file.boxes);
-  }
 }
 
 TEST(Session, hostile_text_is_shown_as_it_is_and_the_window_keeps_its_layout) {

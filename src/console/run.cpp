@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <memory>
 
+#include "base/network_address.h"
 #include "base/run_time_error.h"
 #include "console/commands.h"
 #include "console/escape.h"
@@ -12,7 +13,7 @@
 #include "console/setup_file.h"
 #include "console/trace.h"
 #include "loop/end_request.h"
-#include "loop/local_line.h"
+#include "loop/port_line.h"
 #include "platform/ports.h"
 #include "platform/process.h"
 #include "transfer/image_source.h"
@@ -37,14 +38,15 @@ std::unique_ptr<Trace> open_trace(const Clock& clock, const std::filesystem::pat
 
 /// The path of the device that the user named; one that isn't there keeps its name.
 std::string device_of(const Options& options) {
+  if (is_network_name(options.device)) return options.device;
   const std::string device = platform::resolved_device(options.device);
   return device.empty() ? options.device : device;
 }
 
 Outcome run_command(const Options& options, LoopConsole& console) {
   const auto trace = open_trace(console, options.trace);
-  const auto line = make_local_line(console.loop, platform::state_folder(), device_of(options));
-  Session session(console, *line, make_sender, platform::state_folder(), trace.get());
+  PortLine line(console.loop, platform::state_folder(), device_of(options));
+  Session session(console, line, make_sender, platform::state_folder(), trace.get());
   on_end_request(console.loop, [&] {
     console.loop.handle([&] {
       session.leave();

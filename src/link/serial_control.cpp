@@ -42,11 +42,12 @@ void SerialControl::CommPort(int number) {
   comm_port_ = number;
 }
 
-void SerialControl::Settings(std::string_view text) {
+Time SerialControl::Settings(std::string_view text) {
   const auto settings = parse_settings(text);
   if (!settings) throw invalid_value();
-  if (line_.is_open()) line_.configure(*settings);
+  const Time waited = line_.is_open() ? line_.configure(*settings) : Time{};
   settings_ = without_blanks(text);
+  return waited;
 }
 
 void SerialControl::PortOpen(bool open) {
@@ -104,9 +105,9 @@ void SerialControl::bytes_sent() {
   if (engine_) work_transfer();
 }
 
-void SerialControl::line_lost() {
+void SerialControl::line_lost(std::string_view why) {
   if (engine_) end_transfer("the line is gone");
-  if (Lost) Lost();
+  if (Lost) Lost(why);
 }
 
 std::optional<Time> SerialControl::due() const {

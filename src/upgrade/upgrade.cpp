@@ -7,6 +7,7 @@
 
 #include "base/attempts.h"
 #include "base/run_time_error.h"
+#include "base/while.h"
 #include "upgrade/guards.h"
 
 namespace orvex {
@@ -37,18 +38,6 @@ MessageBox box_for(const RunTimeError& error) {
               .title = "Error"};
   }
 }
-
-/// Sets a flag for as long as it lives.
-class While {
- public:
-  explicit While(bool& flag) : flag_(flag) { flag_ = true; }
-  ~While() { flag_ = false; }
-  While(const While&) = delete;
-  While& operator=(const While&) = delete;
-
- private:
-  bool& flag_;
-};
 
 }  // namespace
 

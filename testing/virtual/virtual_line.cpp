@@ -39,7 +39,7 @@ void VirtualLine::unplug() {
   plugged_ = false;
   if (!open_) return;
   close();
-  if (listener_ != nullptr) listener_->line_lost();
+  if (listener_ != nullptr) listener_->line_lost("unplugged");
 }
 
 std::string VirtualLine::texts() const {
@@ -68,9 +68,10 @@ std::string VirtualLine::device_path(int com_port) const {
   return ports.contains(com_port) ? "/dev/virtual" + std::to_string(com_port) : std::string{};
 }
 
-void VirtualLine::configure(const LineSettings& wanted) {
+Time VirtualLine::configure(const LineSettings& wanted) {
   if (refuses_settings) throw error_of(std::make_error_code(std::errc::invalid_argument));
   settings = wanted;
+  return {};
 }
 
 void VirtualLine::write(std::string_view bytes) {

@@ -25,6 +25,8 @@ class VirtualLine final : public Line, public Actor {
   bool refuses_open = false;      ///< whoever wants to open it
   bool refuses_settings = false;  ///< whoever wants to change them
   bool paced = true;              ///< false: bytes take no time
+  Time latency{};                 ///< each way, of a line in the network
+  Time setting_time{};            ///< what its server takes to open or set the port
   simulator::LineDamage to_scanner;
   simulator::LineDamage to_tool;
   /// The device goes away and comes back.
@@ -72,6 +74,7 @@ class VirtualLine final : public Line, public Actor {
     LineSettings format;
   };
 
+  Time await_server();
   LineSettings scanner_settings() const;
   void start_next();
   void move_outgoing();

@@ -12,6 +12,10 @@ namespace {
 
 /// More than any line brings between two pumps.
 constexpr qint64 most_unread = 65536;
+/// A server may need a moment to free its port from the connection before.
+constexpr Time reopen_limit = std::chrono::seconds(2);
+constexpr Time reopen_pause = std::chrono::milliseconds(200);
+constexpr const char* closed_by_server = "the server closed the connection";
 
 RunTimeError not_available(std::string cause) {
   return {error_number::device_error, std::move(cause)};
@@ -28,7 +32,7 @@ std::string cause_of(const QTcpSocket& socket) {
     case QAbstractSocket::ConnectionRefusedError:
       return "connection refused";
     case QAbstractSocket::RemoteHostClosedError:
-      return "the server closed the connection";
+      return closed_by_server;
     case QAbstractSocket::SocketTimeoutError:
       return "no answer from the server";
     default:
@@ -61,18 +65,28 @@ void NetworkLine::open(int com_port, const LineSettings& settings) {
   const auto address = parse_network_address(address_of_(com_port));
   if (!address) throw not_available("not of the form rfc2217://HOST:PORT");
   const While waiting(waits_);
-  loss_ = "closed";
   try {
-    connect_to(*address);
-    client_.emplace(settings, loop_.now());
-    hand_over();
-    settle();
-    if (!client_) throw not_available(loss_);
+    const Time until = loop_.now() + reopen_limit;
+    while (!meet(*address, settings)) {
+      if (loss_ != closed_by_server) throw not_available(loss_);
+      if (loop_.now() >= until) throw not_available(loss_ + "; its port may be in use");
+      pump_until(loop_.now() + reopen_pause, [] { return false; });
+    }
   } catch (...) {
     close();
     throw;
   }
   open_ = true;
+}
+
+/// False where the server has ended it, by its words or by closing the connection.
+bool NetworkLine::meet(const NetworkAddress& address, const LineSettings& settings) {
+  loss_ = "closed";
+  connect_to(address);
+  client_.emplace(settings, loop_.now());
+  hand_over();
+  settle();
+  return client_.has_value();
 }
 
 void NetworkLine::connect_to(const NetworkAddress& address) {

@@ -41,6 +41,7 @@ class NetworkLine final : public QObject, public Line {
   void discard_unsent() override;
 
  private:
+  bool meet(const NetworkAddress& address, const LineSettings& settings);
   void connect_to(const NetworkAddress& address);
   void settle();
   void pump_until(Time limit, const std::function<bool()>& over);

@@ -61,7 +61,8 @@ struct FarPilot : Pilot {
     QFile::remove(folder() + "/com1");
     QFile::link(name, folder() + "/com1");
   }
-  QString port_tip() const { return find("sbrStatus.Panels(1)")->toolTip(); }
+  /// The tool tip of panel 1, whose lines are as long as a tool tip is wide.
+  QString port_tip() const { return find("sbrStatus.Panels(1)")->toolTip().remove('\n'); }
 
   QProcess server;
   quint16 port = 0;
@@ -111,11 +112,13 @@ TEST_F(Network, a_server_that_goes_closes_the_port_and_a_search_finds_it_again) 
   pilot.start();
   pilot.stop();
   EXPECT_TRUE(Pilot::wait_for([&] { return !pilot.desktop().line.is_open(); }));
-  EXPECT_EQ(pilot.port_tip().toStdString(), ("COM 1, " + pilot.name + ": the server closed the connection").toStdString());
+  EXPECT_EQ(pilot.port_tip().toStdString(),
+            ("COM 1, " + pilot.name + ": the server closed the connection").toStdString());
   pilot.answer_next_box("OK");
   pilot.click("mnuauto");
   EXPECT_EQ(pilot.panel(1), "Settings: Closed");
-  EXPECT_EQ(pilot.port_tip().toStdString(), ("COM 1, " + pilot.name + ": connection refused").toStdString());
+  EXPECT_EQ(pilot.port_tip().toStdString(),
+            ("COM 1, " + pilot.name + ": connection refused").toStdString());
   pilot.serve();
   pilot.click("mnuauto");
   EXPECT_EQ(pilot.panel(1), "Settings: 19200,N,8,1  Com Port: 1");
@@ -147,7 +150,8 @@ TEST_F(Network, the_windows_stay_alive_while_a_server_keeps_its_silence) {
   EXPECT_LT(clock.elapsed(), 6000);
   EXPECT_LT(longest_ms, 500);
   EXPECT_EQ(pilot.boxes().size(), 1);
-  EXPECT_EQ(pilot.port_tip().toStdString(), ("COM 1, " + pilot.name + ": no answer from the server").toStdString());
+  EXPECT_EQ(pilot.port_tip().toStdString(),
+            ("COM 1, " + pilot.name + ": no answer from the server").toStdString());
   pilot.lead_to(scanner);
   pilot.click("mnuauto");
   EXPECT_EQ(pilot.panel(1), "Settings: 9600,N,8,1  Com Port: 1");
@@ -171,20 +175,22 @@ TEST_F(Network, an_exit_does_not_wait_for_the_server) {
 TEST_F(Network, a_server_that_vanishes_without_a_word_is_noticed_while_nothing_is_said) {
   // A network of this test's own, whose one device goes down.
   if (::unshare(CLONE_NEWNET) != 0) GTEST_SKIP() << "no network of its own without root";
-  const auto set_device = [](const char* state) {
-    return QProcess::execute("ip", {"link", "set", "lo", state});
-  };
-  if (set_device("up") != 0) GTEST_SKIP() << "there is no ip";
+  const auto ip = [](const QString& words) { return QProcess::execute("ip", words.split(' ')); };
+  // Without an address of its own, ser2net takes the machine for one without a network.
+  if (ip("link set lo up") != 0 || ip("address add 192.0.2.1/32 dev lo") != 0) {
+    GTEST_SKIP() << "there is no ip";
+  }
   FarPilot pilot({"--rate", "9600"});
   pilot.start();
   ASSERT_EQ(pilot.panel(1), "Settings: 9600,N,8,1  Com Port: 1");
-  ASSERT_EQ(set_device("down"), 0);
+  ASSERT_EQ(ip("link set lo down"), 0);
   QElapsedTimer clock;
   clock.start();
   EXPECT_TRUE(Pilot::wait_for([&] { return !pilot.desktop().line.is_open(); }, 40000));
   std::printf("noticed after %lld ms\n", clock.elapsed());
   EXPECT_LT(clock.elapsed(), 31000);
-  EXPECT_EQ(pilot.port_tip().toStdString(), ("COM 1, " + pilot.name + ": no answer from the server").toStdString());
+  EXPECT_EQ(pilot.port_tip().toStdString(),
+            ("COM 1, " + pilot.name + ": no answer from the server").toStdString());
 }
 
 }  // namespace

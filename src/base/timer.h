@@ -31,6 +31,8 @@ class Timer final : public Scheduled {
   /// Begins a period. On a timer that is enabled already true changes nothing.
   void Enabled(bool enabled);
 
+  /// Puts the next tick, and the rhythm of those after it, at `time`.
+  void tick_at(Time time) { due_ = time; }
   std::optional<Time> due() const override;
   /// Keeps the rhythm of the periods; periods missed altogether give one tick, not many.
   void run() override;

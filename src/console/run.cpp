@@ -12,7 +12,7 @@
 #include "console/setup_file.h"
 #include "console/trace.h"
 #include "loop/end_request.h"
-#include "loop/local_line.h"
+#include "loop/port_line.h"
 #include "platform/ports.h"
 #include "transfer/image_source.h"
 #include "transfer/zmodem_sender.h"
@@ -47,8 +47,8 @@ std::unique_ptr<Trace> open_trace(const Clock& clock, const Options& options) {
 }
 
 Outcome run_command(const Options& options, LoopConsole& console, Trace* trace) {
-  const auto line = make_local_line(console.loop, platform::state_folder(), options.device);
-  Session session(console, *line, make_sender, platform::state_folder(), trace);
+  PortLine line(console.loop, platform::state_folder(), options.device);
+  Session session(console, line, make_sender, platform::state_folder(), trace);
   on_end_request(console.loop, [&] {
     console.loop.handle([&] {
       session.leave();

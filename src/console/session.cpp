@@ -168,7 +168,7 @@ QString Session::port_name() const {
 Failure Session::failed(const QString& what) const {
   QString why = "the scanner doesn't answer";
   if (line_.lost()) {
-    why = "the device went away";
+    why = "the device went away: " + QString::fromLocal8Bit(line_.lost()->c_str());
   } else if (const QString error = console.last_error(); !error.isEmpty()) {
     why = error;
   } else if (line_.refused()) {

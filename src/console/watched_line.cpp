@@ -24,7 +24,7 @@ void WatchedLine::listen(Line::Listener& listener) {
 
 void WatchedLine::open(int com_port, const LineSettings& settings) {
   open_failure_.reset();
-  lost_ = false;
+  lost_.reset();
   try {
     line_.open(com_port, settings);
   } catch (const RunTimeError& error) {
@@ -40,9 +40,10 @@ void WatchedLine::close() {
   line_.close();
 }
 
-void WatchedLine::configure(const LineSettings& settings) {
-  line_.configure(settings);
+Time WatchedLine::configure(const LineSettings& settings) {
+  const Time waited = line_.configure(settings);
   tell(settings_text(settings));
+  return waited;
 }
 
 void WatchedLine::write(std::string_view bytes) {
@@ -63,10 +64,10 @@ void WatchedLine::discard_unsent() {
   line_.discard_unsent();
 }
 
-void WatchedLine::line_lost() {
-  lost_ = true;
-  tell("the device went away");
-  listener_->line_lost();
+void WatchedLine::line_lost(std::string_view why) {
+  lost_ = why;
+  tell("the device went away: " + *lost_);
+  listener_->line_lost(why);
 }
 
 void WatchedLine::tell(const std::string& event) {

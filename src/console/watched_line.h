@@ -23,8 +23,8 @@ class WatchedLine final : public Line, private Line::Listener {
 
   /// Why the last opening failed; none if it didn't.
   const std::optional<RunTimeError>& open_failure() const { return open_failure_; }
-  /// True after the device went away, until the line is opened again.
-  bool lost() const { return lost_; }
+  /// Why the device went away, until the line is opened again; none if it didn't.
+  const std::optional<std::string>& lost() const { return lost_; }
   /// True if the last frame that was written has been answered by NAK.
   bool refused() const;
 
@@ -33,7 +33,7 @@ class WatchedLine final : public Line, private Line::Listener {
   void close() override;
   bool is_open() const override { return line_.is_open(); }
   std::string device_path(int com_port) const override { return line_.device_path(com_port); }
-  void configure(const LineSettings& settings) override;
+  Time configure(const LineSettings& settings) override;
   void write(std::string_view bytes) override;
   std::string read() override;
   std::size_t waiting() const override { return line_.waiting(); }
@@ -43,14 +43,14 @@ class WatchedLine final : public Line, private Line::Listener {
  private:
   void bytes_arrived() override { listener_->bytes_arrived(); }
   void bytes_sent() override { listener_->bytes_sent(); }
-  void line_lost() override;
+  void line_lost(std::string_view why) override;
   void tell(const std::string& event);
 
   Line& line_;
   Trace* trace_;
   Line::Listener* listener_ = nullptr;
   std::optional<RunTimeError> open_failure_;
-  bool lost_ = false;
+  std::optional<std::string> lost_;
   std::string heard_;  // since the last frame was written, the head of it
 };
 

@@ -73,7 +73,7 @@ class Scan {
 
   bool answers_at(std::string_view rate) {
     PortState& state = link_.state;
-    attempts_([&] { link_.MSComm1.Settings(std::string(rate) + state.TryParity + ",8,1"); });
+    set_line(std::string(rate) + state.TryParity + ",8,1");
     link_.windows.pump(Wait::no);
     state.RxAccum.clear();
     attempts_([&] { state.ReplyText = link_.exchange.Read_Port(1); });
@@ -84,6 +84,15 @@ class Scan {
     form1_.Timer1.Enabled(true);
     attempts_([&] { link_.exchange.send_ping(); });
     return link_.exchange.wait_for_ping(attempts_);
+  }
+
+  /// The ticks measure the scanner's time: what another machine needs to set the line is not in it.
+  void set_line(const std::string& settings) {
+    const Time began = link_.windows.now();
+    const auto tick = form1_.Timer1.due();
+    Time waited{};
+    attempts_([&] { waited = link_.MSComm1.Settings(settings); });
+    if (tick && waited > Time{}) form1_.Timer1.tick_at(*tick - began + link_.windows.now());
   }
 
   void found() {

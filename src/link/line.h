@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/clock.h"
 #include "link/line_settings.h"
 
 namespace orvex {
@@ -11,8 +12,13 @@ namespace orvex {
 /// Characters that the line keeps for a reader that doesn't come.
 inline constexpr std::size_t in_buffer_size = 32000;
 
-/// A serial line of the machine, below the serial control. All failures are thrown as
-/// RunTimeError. DTR and RTS are raised while it is open, and there is no flow control.
+/// A serial line, of the machine or at the other end of the network, below the serial control. All
+/// failures are thrown as RunTimeError. DTR and RTS are raised while it is open, and there is no
+/// flow control.
+///
+/// open() and configure() of a line in the network pump until the other end has answered or a limit
+/// has passed. So both may throw Ended, and what a pump delivers comes inside them: ticks, clicks,
+/// and the loss of this line. A second one inside the first throws.
 class Line {
  public:
   /// Hears of the line, on the one thread and only inside a pump.
@@ -22,8 +28,8 @@ class Line {
     virtual void bytes_arrived() = 0;
     /// unsent() has become less. Not every line can tell.
     virtual void bytes_sent() = 0;
-    /// The device went away. The line has closed itself, once.
-    virtual void line_lost() = 0;
+    /// The device went away; `why` in a few words. The line has closed itself, once.
+    virtual void line_lost(std::string_view why) = 0;
   };
 
   virtual ~Line() = default;
@@ -40,7 +46,8 @@ class Line {
   virtual std::string device_path(int com_port) const = 0;
 
   /// Changes the settings of the open line, for the next byte on: all of them, or none and a throw.
-  virtual void configure(const LineSettings& settings) = 0;
+  /// Gives how long another machine was waited for, 0 where none was.
+  virtual Time configure(const LineSettings& settings) = 0;
   virtual void write(std::string_view bytes) = 0;
   /// All that has come and was not read yet.
   virtual std::string read() = 0;

@@ -28,11 +28,12 @@ void SerialControl::CommPort(int number) {
   comm_port_ = number;
 }
 
-void SerialControl::Settings(std::string_view text) {
+Time SerialControl::Settings(std::string_view text) {
   const auto settings = parse_settings(text);
   if (!settings) throw invalid_value();
-  if (line_.is_open()) line_.configure(*settings);
+  const Time waited = line_.is_open() ? line_.configure(*settings) : Time{};
   settings_ = without_blanks(text);
+  return waited;
 }
 
 void SerialControl::PortOpen(bool open) {
@@ -85,9 +86,9 @@ void SerialControl::bytes_sent() {
   if (transfer_.is_on()) transfer_.work();
 }
 
-void SerialControl::line_lost() {
+void SerialControl::line_lost(std::string_view why) {
   transfer_.lose_line();
-  if (Lost) Lost();
+  if (Lost) Lost(why);
 }
 
 void SerialControl::require_open() const {

@@ -24,16 +24,18 @@ class SerialControl final : public Line::Listener, public Scheduled {
   std::function<void()> Receive;
   /// Raised inside a pump as a transfer goes on, with what is done so far in the unit of FileTotal.
   std::function<void(std::int32_t)> FileProgress;
-  /// Raised inside a pump once the device of the open port has gone away; the port is closed.
-  std::function<void()> Lost;
+  /// Raised inside a pump once the device of the open port has gone away, with the cause in a few
+  /// words; the port is closed.
+  std::function<void(std::string_view why)> Lost;
 
   int CommPort() const { return comm_port_; }
   /// 1 to 6, else a failure. An open port stays where it is until it is opened again.
   void CommPort(int number);
 
   const std::string& Settings() const { return settings_; }
-  /// Takes effect on an open port at once. Reads back without blanks around the fields.
-  void Settings(std::string_view text);
+  /// Takes effect on an open port at once. Reads back without blanks around the fields. Gives how
+  /// long the line waited for another machine.
+  Time Settings(std::string_view text);
 
   bool PortOpen() const { return line_.is_open(); }
   /// The text of a failure to open is its cause in a few words, which about_port() completes.
@@ -79,7 +81,7 @@ class SerialControl final : public Line::Listener, public Scheduled {
 
   void bytes_arrived() override;
   void bytes_sent() override;
-  void line_lost() override;
+  void line_lost(std::string_view why) override;
   std::optional<Time> due() const override { return transfer_.due(); }
   void run() override { transfer_.run(); }
 

@@ -57,6 +57,9 @@ void LinuxLine::open(int com_port, const LineSettings& settings) {
   close();
   const std::string path = device_path(com_port);
   const auto kind = platform::kind_of_device(path);
+  if (platform::is_foreign_network_link(path)) {
+    throw not_available("the link to the network belongs to another user");
+  }
   if (kind == platform::DeviceKind::none) throw not_available("no such device");
   if (platform::has_odd_lock(path)) {
     throw not_available("held by another program: its lock is no file of at most 1 KiB");
@@ -110,7 +113,7 @@ std::string LinuxLine::device_path(int com_port) const {
                          : platform::resolved_device(device_);
 }
 
-void LinuxLine::configure(const LineSettings& settings) {
+Time LinuxLine::configure(const LineSettings& settings) {
   if (!open_) throw port_not_open_error();
   if (!takes(settings)) {
     const QString reason = port_.errorString();
@@ -118,6 +121,7 @@ void LinuxLine::configure(const LineSettings& settings) {
     throw refused(reason);
   }
   settings_ = settings;
+  return {};
 }
 
 bool LinuxLine::takes(const LineSettings& settings) {
@@ -166,7 +170,7 @@ void LinuxLine::error_occurred(QSerialPort::SerialPortError error) {
   if (!lost || !open_) return;
   // The port goes on raising errors and never closes by itself.
   close();
-  loop_.handle([this] { listener_->line_lost(); });
+  loop_.handle([this] { listener_->line_lost("unplugged"); });
 }
 
 std::unique_ptr<Line> make_local_line(EventLoop& loop, const std::filesystem::path& links,

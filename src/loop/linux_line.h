@@ -23,7 +23,7 @@ class LinuxLine final : public QObject, public Line {
   void close() override;
   bool is_open() const override { return open_; }
   std::string device_path(int com_port) const override;
-  void configure(const LineSettings& settings) override;
+  Time configure(const LineSettings& settings) override;
   void write(std::string_view bytes) override;
   std::string read() override;
   std::size_t waiting() const override;

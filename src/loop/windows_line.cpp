@@ -141,13 +141,14 @@ void WindowsLine::close() {
   ::CloseHandle(std::exchange(port_, INVALID_HANDLE_VALUE));
 }
 
-void WindowsLine::configure(const LineSettings& settings) {
+Time WindowsLine::configure(const LineSettings& settings) {
   if (!is_open()) throw port_not_open_error();
   if (const DWORD error = take(settings); error != 0) {
     take(settings_);  // what it did take of the new ones goes again
     throw not_available("The port is not available: " + words_of(error));
   }
   settings_ = settings;
+  return {};
 }
 
 /// All in one step, so that no other rate is in between. Gives the system's error, 0 if none.
@@ -267,7 +268,7 @@ void WindowsLine::discard_unsent() {
 void WindowsLine::lose() {
   if (!is_open()) return;
   close();
-  loop_.handle([this] { listener_->line_lost(); });
+  loop_.handle([this] { listener_->line_lost("unplugged"); });
 }
 
 COMSTAT WindowsLine::state() const {

@@ -1,5 +1,6 @@
 #include "platform/ports.h"
 
+#include <fcntl.h>
 #include <grp.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
@@ -13,6 +14,7 @@
 #include <optional>
 #include <tuple>
 
+#include "base/network_address.h"
 #include "platform/linux_links.h"
 #include "platform/linux_ports.h"
 
@@ -53,6 +55,22 @@ std::optional<PortOrder> order_of(const fs::path& terminal) {
   return order;
 }
 
+/// The name of a port in the network that a link has for its text, empty if none, and the owner of
+/// that very link.
+std::pair<std::string, uid_t> network_link(const fs::path& link) {
+  constexpr std::size_t longest_name = 300;
+  const int descriptor = ::open(link.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC);
+  if (descriptor < 0) return {};
+  struct stat status {};
+  std::array<char, longest_name> text{};
+  const bool is_link = ::fstat(descriptor, &status) == 0 && S_ISLNK(status.st_mode);
+  const ssize_t size = is_link ? ::readlinkat(descriptor, "", text.data(), text.size()) : 0;
+  ::close(descriptor);
+  const std::string_view name(text.data(), static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
+  if (!is_network_name(name)) return {};
+  return {std::string(name), status.st_uid};
+}
+
 bool is_pseudo_terminal(const struct stat& status) {
   // The kernel's list of devices gives the majors 136 to 143 to pseudo-terminals.
   const auto device = major(status.st_rdev);
@@ -83,9 +101,20 @@ std::vector<std::string> serial_ports(const fs::path& class_tty) {
   return names;
 }
 
+std::string network_name_of(const fs::path& link) {
+  const auto [name, owner] = network_link(link);
+  return owner == 0 || owner == ::geteuid() ? name : std::string{};
+}
+
+bool is_foreign_network_link(const fs::path& link) {
+  return !network_link(link).first.empty() && network_name_of(link).empty();
+}
+
 std::string device_of_port(int number, const fs::path& folder) {
   if (number < 1) return {};
   const fs::path link = folder / ("com" + std::to_string(number));
+  if (const std::string name = network_name_of(link); !name.empty()) return name;
+  if (is_foreign_network_link(link)) return link;
   std::error_code error;
   if (fs::is_symlink(fs::symlink_status(link, error))) {
     fs::path device = fs::canonical(link, error);

@@ -13,6 +13,13 @@ namespace orvex::platform {
 /// folder of terminals, /sys/class/tty.
 std::vector<std::string> serial_ports(const std::filesystem::path& class_tty);
 
+/// The name of a port in the network that the link stands for; empty where it stands for none, or
+/// belongs to another user: the folder may be open to others, and a user's connection goes only
+/// where the user or root says. Asked of the link once, as it may change.
+std::string network_name_of(const std::filesystem::path& link);
+/// True where only the link's owner is in the way of that name.
+bool is_foreign_network_link(const std::filesystem::path& link);
+
 enum class DeviceKind {
   none,  ///< no character device, or one of another kind
   serial_port,

@@ -34,7 +34,7 @@ Program::Program(WindowSystem& windows, Line& line, EngineFactory make_engine,
       upgrade_(link_, {[this] { orvex::mnuauto_Click(link_); }, [this] { receive_setup(link_); }}),
       exit_(windows, link_.MSComm1) {
   link_.MSComm1.FileProgress = [this](std::int32_t done) { upgrade_.FileProgress(done); };
-  link_.MSComm1.Lost = [this] { link_.exchange.explain_port("unplugged"); };
+  link_.MSComm1.Lost = [this](std::string_view why) { link_.exchange.explain_port(why); };
 }
 
 void Program::Main() {

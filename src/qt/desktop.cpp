@@ -3,16 +3,15 @@
 #include <QApplication>
 #include <memory>
 
-#include "loop/local_line.h"
 #include "transfer/image_source.h"
 #include "transfer/zmodem_sender.h"
 
 namespace orvex {
 
 Desktop::Desktop(const std::filesystem::path& state_folder)
-    : line(make_local_line(windows.loop, state_folder)),
+    : line(windows.loop, state_folder),
       program(
-          windows, *line,
+          windows, line,
           [](const std::filesystem::path& path, int rate, Time now) -> std::unique_ptr<FileEngine> {
             return std::make_unique<ZmodemSender>(open_image(path), now,
                                                   static_cast<std::uint32_t>(rate));

@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <memory>
 
-#include "link/line.h"
+#include "loop/port_line.h"
 #include "program/program.h"
 #include "qt/main_window.h"
 #include "qt/manual_dialog.h"
@@ -29,7 +29,7 @@ class Desktop {
 
   PlainTips plain_tips;
   QtWindows windows;
-  std::unique_ptr<Line> line;
+  PortLine line;
   Program program;
   SplashWindow splash_window;
   std::unique_ptr<MainWindow> main_window;

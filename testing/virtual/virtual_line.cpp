@@ -39,7 +39,7 @@ void VirtualLine::unplug() {
   plugged_ = false;
   if (!open_) return;
   close();
-  if (listener_ != nullptr) listener_->line_lost();
+  if (listener_ != nullptr) listener_->line_lost("unplugged");
 }
 
 std::string VirtualLine::texts() const {
@@ -51,6 +51,7 @@ std::string VirtualLine::texts() const {
 void VirtualLine::open(int com_port, const LineSettings& wanted) {
   if (!plugged_ || !ports.contains(com_port)) throw not_available("no such device");
   if (refuses_open) throw not_available("held by another program");
+  await_server();
   open_ = true;
   port = com_port;
   settings = wanted;
@@ -68,9 +69,22 @@ std::string VirtualLine::device_path(int com_port) const {
   return ports.contains(com_port) ? "/dev/virtual" + std::to_string(com_port) : std::string{};
 }
 
-void VirtualLine::configure(const LineSettings& wanted) {
+Time VirtualLine::configure(const LineSettings& wanted) {
+  const Time waited = await_server();
+  require_open();
   if (refuses_settings) throw error_of(std::make_error_code(std::errc::invalid_argument));
   settings = wanted;
+  return waited;
+}
+
+/// Keeps the windows alive until the server of a far line has answered.
+Time VirtualLine::await_server() {
+  const Time began = windows_.now();
+  const Time answer = began + 2 * latency + setting_time;
+  if (answer == began) return {};
+  windows_.at(answer, [] {});
+  while (windows_.now() < answer) windows_.pump(Wait::for_event);
+  return answer - began;
 }
 
 void VirtualLine::write(std::string_view bytes) {
@@ -154,7 +168,7 @@ void VirtualLine::move_outgoing() {
     outgoing_.pop_front();
     for (const auto& arrival : to_scanner.pass({&byte, 1})) {
       const Time earliest = at_scanner_.empty() ? Time{} : at_scanner_.back().at;
-      const Time at = std::max(outgoing_done_ + arrival.late, earliest);
+      const Time at = std::max(outgoing_done_ + arrival.late + latency, earliest);
       if (port == scanner_port) at_scanner_.push_back({arrival.byte, at, outgoing_format_});
     }
     start_next();
@@ -175,7 +189,7 @@ void VirtualLine::put_on_way(std::string_view bytes, const LineSettings& format)
   for (const auto& arrival : to_tool.pass(bytes)) {
     incoming_free_ = std::max(incoming_free_, windows_.now()) + arrival.late;
     if (paced) incoming_free_ += byte_time(format.baud);
-    if (arrives) incoming_.push_back({arrival.byte, incoming_free_, format});
+    if (arrives) incoming_.push_back({arrival.byte, incoming_free_ + latency, format});
   }
 }
 

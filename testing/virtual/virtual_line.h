@@ -26,6 +26,8 @@ class VirtualLine final : public Line, public Actor {
   bool refuses_settings = false;  ///< whoever wants to change them
   bool paced = true;              ///< false: bytes take no time
   bool stands = false;            ///< nothing leaves, as where the device takes nothing
+  Time latency{};                 ///< each way, of a line in the network
+  Time setting_time{};            ///< what its server takes to open or set the port
   simulator::LineDamage to_scanner;
   simulator::LineDamage to_tool;
   /// The device goes away and comes back.
@@ -55,7 +57,7 @@ class VirtualLine final : public Line, public Actor {
   void close() override;
   bool is_open() const override { return open_; }
   std::string device_path(int com_port) const override;
-  void configure(const LineSettings& settings) override;
+  Time configure(const LineSettings& settings) override;
   void write(std::string_view bytes) override;
   std::string read() override;
   std::size_t waiting() const override { return received_.size(); }
@@ -73,6 +75,7 @@ class VirtualLine final : public Line, public Actor {
     LineSettings format;
   };
 
+  Time await_server();
   LineSettings scanner_settings() const;
   void start_next();
   void move_outgoing();

@@ -130,6 +130,24 @@ TEST(SerialPorts, a_link_decides_also_where_it_leads_nowhere) {
   EXPECT_EQ(platform::device_of_port(3, folder.path()), ports.size() < 3 ? "" : "/dev/" + ports[2]);
 }
 
+TEST(SerialPorts, a_link_to_the_network_counts_if_it_is_the_users_own_or_roots) {
+  const TemporaryFolder folder;
+  const std::string name = "rfc2217://till7.example:2300";
+  fs::create_symlink(name, folder / "com1");
+  fs::create_symlink("com1", folder / "com2");
+  EXPECT_EQ(platform::device_of_port(1, folder.path()), name);
+  EXPECT_EQ(platform::network_name_of(folder / "com1"), name);
+  EXPECT_FALSE(platform::is_foreign_network_link(folder / "com1"));
+  EXPECT_EQ(platform::device_of_port(2, folder.path()), (folder / name).lexically_normal())
+      << "only its own text counts";
+  EXPECT_EQ(platform::network_name_of(folder / "missing"), "");
+  constexpr uid_t nobody = 65534;
+  if (::lchown((folder / "com1").c_str(), nobody, nobody) != 0) GTEST_SKIP() << "needs root";
+  EXPECT_EQ(platform::network_name_of(folder / "com1"), "");
+  EXPECT_TRUE(platform::is_foreign_network_link(folder / "com1"));
+  EXPECT_EQ(platform::device_of_port(1, folder.path()), folder / "com1");
+}
+
 TEST(SerialPorts, a_lock_that_is_no_small_file_is_told_without_opening_it) {
   const std::string name = "orvex-test/" + std::to_string(::getpid());
   const fs::path lock = "/tmp/LCK..orvex-test_" + std::to_string(::getpid());

@@ -29,7 +29,7 @@ struct Moment {
 };
 
 bool is_over(Pilot& pilot) {
-  return pilot.desktop().windows.ended() || !pilot.desktop().line->is_open();
+  return pilot.desktop().windows.ended() || !pilot.desktop().line.is_open();
 }
 
 void start_upload(Pilot& pilot) {
@@ -164,7 +164,7 @@ TEST(Moments, a_device_that_goes_is_one_failure_and_a_new_one_is_found_without_a
     for (const QString& answer : moment.loss->answers) pilot.answer_next_box(answer);
     const QString device = pilot.device();
     go_and_let(pilot, moment, [&] { pilot.tell_scanner("unplug"); });
-    EXPECT_FALSE(pilot.desktop().line->is_open());
+    EXPECT_FALSE(pilot.desktop().line.is_open());
     EXPECT_EQ(pilot.find("sbrStatus.Panels(1)")->toolTip(), "COM 1, " + device + ": unplugged");
     EXPECT_EQ(pilot.boxes().join('|').toStdString(), moment.loss->boxes.join('|').toStdString());
     EXPECT_EQ(pilot.panel(2).toStdString(), moment.loss->panel_2);

@@ -97,7 +97,10 @@ UploadWindow::UploadWindow(QtWindows& windows, Program& program, QWidget* parent
   grid->setSizeConstraint(QLayout::SetFixedSize);
   windows.view.bind([&form3 = program.forms.form3] { return form3.Visible; },
                     [this](bool visible) {
-                      if (visible) place();
+                      if (visible) {
+                        place();
+                        findChild<QWidget*>("Text1")->setFocus();  // wherever the last load left it
+                      }
                       setVisible(visible);
                       if (visible) activateWindow();
                     });

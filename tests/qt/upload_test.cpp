@@ -63,6 +63,7 @@ TEST_F(Upload, a_cancel_ends_it_at_once_and_another_load_can_start) {
   pilot_.load_image(Pilot::image("3.30", 8 << 20));
   const auto* bar = pilot_.find<QProgressBar>("ProgressBar1", "Form3");
   ASSERT_TRUE(Pilot::wait_for([&] { return bar->value() > 10000; }, 20000));
+  const QWidget* focus = pilot_.find("Form3", "Form3")->focusWidget();
   pilot_.answer_next_box("No");
   QTest::keyClick(pilot_.find("Form3", "Form3"), Qt::Key_Escape);
   EXPECT_EQ(pilot_.boxes().size(), 2) << "Esc asks, too";
@@ -87,6 +88,7 @@ TEST_F(Upload, a_cancel_ends_it_at_once_and_another_load_can_start) {
   record.Value = 2147483520;
   pilot_.desktop().windows.draw();
   EXPECT_LT(bar->value(), bar->maximum()) << "a part counts as the whole";
+  EXPECT_EQ(pilot_.find("Form3", "Form3")->focusWidget(), focus) << "as at the first load";
 }
 
 }  // namespace

@@ -33,10 +33,10 @@ TEST(ReplaceFile, replaces_a_file_whole_and_keeps_its_rights_and_links) {
   EXPECT_TRUE(fs::is_symlink(folder / "link"));
   EXPECT_FALSE(platform::replace_file(folder / "ahead", "made"));
   EXPECT_EQ(content(folder / "fresh"), "made");
-  const mode_t mask = ::umask(027);
+  const mode_t mask = ::umask(022);
   EXPECT_FALSE(platform::replace_file(folder / "own", std::string(1 << 20, '\0')));
   ::umask(mask);
-  EXPECT_EQ(fs::status(folder / "own").permissions(), fs::perms{0640});
+  EXPECT_EQ(fs::status(folder / "own").permissions(), fs::perms{0644});
   EXPECT_EQ(fs::file_size(folder / "own"), 1U << 20);
 }
 

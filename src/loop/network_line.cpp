@@ -96,6 +96,9 @@ void NetworkLine::connect_to(const NetworkAddress& address) {
            socket_.state() == QAbstractSocket::UnconnectedState;
   };
   pump_until(loop_.now() + connection_limit, is_over);
+  if (socket_.state() == QAbstractSocket::HostLookupState) {
+    throw not_available("no answer about the host's name");
+  }
   if (!is_over()) throw not_available("no answer from the server");
   if (socket_.state() != QAbstractSocket::ConnectedState) throw not_available(cause_of(socket_));
   socket_.setSocketOption(QAbstractSocket::LowDelayOption, 1);

@@ -103,8 +103,9 @@ std::vector<std::string> serial_ports(const fs::path& class_tty) {
 }
 
 std::string network_name_of(const fs::path& link) {
-  const auto [name, owner] = network_link(link);
-  return owner == 0 || owner == ::geteuid() ? name : std::string{};
+  auto [name, owner] = network_link(link);
+  if (owner != 0 && owner != ::geteuid()) name.clear();
+  return name;
 }
 
 bool is_foreign_network_link(const fs::path& link) {
@@ -114,7 +115,7 @@ bool is_foreign_network_link(const fs::path& link) {
 std::string device_of_port(int number, const fs::path& folder) {
   if (number < 1) return {};
   const fs::path link = folder / ("com" + std::to_string(number));
-  if (const std::string name = network_name_of(link); !name.empty()) return name;
+  if (std::string name = network_name_of(link); !name.empty()) return name;
   if (is_foreign_network_link(link)) return link;
   std::error_code error;
   if (fs::is_symlink(fs::symlink_status(link, error))) {

@@ -19,10 +19,16 @@ struct FarDesk : Desk {
 };
 
 TEST(FarLine, each_rate_has_the_scanners_time_however_long_the_server_takes_to_set_it) {
-  for (const Time setting_time : {0ms, 390ms, 450ms, 1700ms}) {
+  // The last one has the longest way that leaves the scanner at 1200 Bps its time.
+  for (const auto& [latency, setting_time] : {std::pair<Time, Time>{50ms, 0ms},
+                                              {50ms, 390ms},
+                                              {50ms, 450ms},
+                                              {50ms, 1700ms},
+                                              {190ms, 0ms}}) {
     for (std::size_t turn = 0; turn < scan_order.size(); ++turn) {
       SCOPED_TRACE(scan_order[turn]);
       FarDesk desk;
+      desk.line.latency = latency;
       desk.line.setting_time = setting_time;
       desk.start_at(scan_order[turn]);
       ASSERT_EQ(desk.line.frames.size(), turn + 2) << "a ping for each rate, and the first query";

@@ -24,6 +24,14 @@ CLI::Validator not_empty() {
   return {[](std::string& text) { return text.empty() ? "the name is empty" : std::string{}; }, ""};
 }
 
+/// The words of the command line are UTF-8, whatever else the system takes names for.
+CLI::Option* add_path(CLI::App& app, const std::string& name, std::filesystem::path& path,
+                      const std::string& help) {
+  return app.add_option_function<std::string>(
+      name, [&path](const std::string& text) { path = std::u8string(text.begin(), text.end()); },
+      help);
+}
+
 void add_common(CLI::App& app, Options& options) {
   auto* port = app.add_option("--port", options.port, "number of the port, 1 to 6")
                    ->check(CLI::Range(1, 6))
@@ -42,7 +50,7 @@ void add_common(CLI::App& app, Options& options) {
       ->excludes(settings);
   app.add_flag("--json", options.json, "one JSON document in place of words");
   app.add_flag("--quiet", options.quiet, "no words on the way");
-  app.add_option("--trace", options.trace, "writes every byte of the line into FILE")
+  add_path(app, "--trace", options.trace, "writes every byte of the line into FILE")
       ->check(not_empty())
       ->type_name("FILE");
 }
@@ -58,10 +66,10 @@ void add_arguments(CLI::App& app, const Command& command, Options& options) {
       app.add_option("NAME=VALUE", options.words, "what to change")->required();
       break;
     case Arguments::file:
-      app.add_option("FILE", options.file, "setup file")->required()->check(not_empty());
+      add_path(app, "FILE", options.file, "setup file")->required()->check(not_empty());
       break;
     case Arguments::image:
-      app.add_option("IMAGE", options.file, "firmware image")->required()->check(not_empty());
+      add_path(app, "IMAGE", options.file, "firmware image")->required()->check(not_empty());
       break;
   }
 }
@@ -110,6 +118,8 @@ Options parse_options(const std::vector<std::string>& arguments) {
   Options options;
   CLI::App app("Does the jobs of Orvex, the tool for a scanner on a serial line, as commands.",
                "orvexctl");
+  // A path may begin with a slash on any system.
+  app.allow_windows_style_options(false);
   app.set_version_flag("--version", "orvexctl " ORVEX_VERSION);
   add_common(app, options);
   add_commands(app, options);

@@ -21,8 +21,9 @@ Time EventLoop::now() const {
 
 void EventLoop::pump(Wait wait) {
   require_running();
-  run_due();
-  const bool had_events = dispatch(QEventLoop::AllEvents);
+  // What was due may be all that the caller waits for.
+  const bool had_due = run_due();
+  const bool had_events = dispatch(QEventLoop::AllEvents) || had_due;
   const bool sleeps = !had_events && wait == Wait::for_event;
   screen_.pumped(sleeps);
   if (sleeps) {
@@ -56,11 +57,15 @@ bool EventLoop::dispatch(QEventLoop::ProcessEventsFlags flags) {
   return QThread::currentThread()->eventDispatcher()->processEvents(flags);
 }
 
-void EventLoop::run_due() {
+bool EventLoop::run_due() {
+  bool had_due = false;
   for (Scheduled* scheduled : scheduled_) {
     const auto due = scheduled->due();
-    if (due && *due <= now()) scheduled->run();
+    if (!due || *due > now()) continue;
+    scheduled->run();
+    had_due = true;
   }
+  return had_due;
 }
 
 void EventLoop::arm() {

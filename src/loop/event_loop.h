@@ -74,7 +74,8 @@ class EventLoop final : public QObject, public Clock {
   static bool run(const std::function<void()>& handler);
   /// True if there was an event.
   static bool dispatch(QEventLoop::ProcessEventsFlags flags);
-  void run_due();
+  /// True if something was.
+  bool run_due();
 
   Screen& screen_;
   QElapsedTimer clock_;

@@ -8,11 +8,16 @@
 namespace orvex {
 namespace {
 
+std::string utf8_of(const std::filesystem::path& path) {
+  const std::u8string text = path.u8string();
+  return {text.begin(), text.end()};
+}
+
 constexpr std::size_t read_ahead = 65536;
 
 class ImageSource final : public FileSource {
  public:
-  explicit ImageSource(const std::filesystem::path& path) : name_(path.filename().string()) {
+  explicit ImageSource(const std::filesystem::path& path) : name_(utf8_of(path.filename())) {
     if (const auto error = file_.open(path)) throw error_of(error);
   }
 

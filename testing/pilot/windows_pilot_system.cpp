@@ -23,7 +23,8 @@ QString outside(const QString& path) {
 class WindowsScanner final : public ScannerProcess {
  public:
   WindowsScanner(const QStringList& options, int port) {
-    socket_.connectToHost("127.0.0.1", qEnvironmentVariableIntValue("ORVEX_SCANNERS"));
+    socket_.connectToHost("127.0.0.1",
+                          static_cast<quint16>(qEnvironmentVariableIntValue("ORVEX_SCANNERS")));
     if (!socket_.waitForConnected(most_ms)) throw std::runtime_error("no server of scanners");
     tell(QString::number(port));
     for (const QString& option : options) tell(outside(option));

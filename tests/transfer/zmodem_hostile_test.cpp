@@ -139,6 +139,22 @@ TEST(ZmodemSender, a_phase_has_its_time_from_when_its_first_bytes_are_gone) {
   EXPECT_EQ(sender.state(), State::failed);
 }
 
+TEST(ZmodemSender, a_file_counts_as_taken_only_once_its_end_has_left) {
+  const string ready = answer(1, 0x23000000);
+  ZmodemSender sender(std::make_unique<MemorySource>(""), 0s);
+  sender.receive(ready, 0s);
+  while (!sender.transmit(100, 0s).empty()) {
+  }
+  sender.receive(answer(9, 0), 0s);
+  EXPECT_EQ(sender.transmit(1, 0s).size(), 1U);
+  sender.receive(ready, 0s);
+  EXPECT_EQ(sender.state(), State::running);
+  while (!sender.transmit(100, 0s).empty()) {
+  }
+  sender.receive(ready, 0s);
+  EXPECT_EQ(sender.state(), State::complete);
+}
+
 TEST(ZmodemSender, the_crc_of_a_large_file_is_taken_in_steps) {
   const string data(8000000, 'x');
   ZmodemSender sender(std::make_unique<MemorySource>(data), 0s);

@@ -198,14 +198,12 @@ TEST(ZmodemSender, unusual_but_honest_receivers_get_the_file) {
     const char* kind;
     ReceiverScript receiver;
     string at_start, on_the_way, at_end = "";
-    std::uint64_t way = 9000;
   } cases[] = {
       {"never answers a request", {.answers_requests = false}, "", ""},
       {"resumes", {.first_place = 7001}, "", ""},
       {"has it all", {.first_place = 20000}, "", ""},
       {"is slow to answer", {.write_time = 300ms}, "", ""},
       {"doubled and late ZRINIT", {}, answer(1, 0x23000000), answer(1, 0x23000000)},
-      {"ZRINIT ahead of the end", {}, "", answer(1, 0x23000000), "", 18900},
       {"the end of an earlier transfer", {}, late + answer(9, 5) + answer(3, 9), ""},
       {"challenge", {}, answer(14, 77), ""},
       {"asks to repeat", {}, answer(6, 0), answer(6, 0), answer(6, 0)},
@@ -219,7 +217,7 @@ TEST(ZmodemSender, unusual_but_honest_receivers_get_the_file) {
     int steps_at_end = 0;
     course.each_step = [&](FileEngine& engine, Time now) {
       if (now == Time{}) engine.receive(c.at_start, now);
-      if (!said && engine.progress() > c.way) engine.receive(c.on_the_way, now), said = true;
+      if (!said && engine.progress() > 9000) engine.receive(c.on_the_way, now), said = true;
       const bool farewell_sent = engine.state() == State::complete && ++steps_at_end == 2;
       if (farewell_sent) engine.receive(c.at_end, now);
     };

@@ -161,16 +161,20 @@ std::size_t NetworkLine::waiting() const {
   return client_ ? client_->waiting() : 0;
 }
 
+/// A discard that the server has not confirmed counts as one byte: where the line is closed before,
+/// what was written behind it, such as the end of a transfer, may be lost on the way.
 std::size_t NetworkLine::unsent() const {
   if (!client_) return 0;
-  return client_->unsent() + static_cast<std::size_t>(socket_.bytesToWrite()) +
+  return client_->unsent() + (client_->is_discarding() ? 1 : 0) +
+         static_cast<std::size_t>(socket_.bytesToWrite()) +
          platform::unsent_in_socket(socket_.socketDescriptor());
 }
 
 void NetworkLine::discard_unsent() {
   if (!client_) return;
   client_->discard();
-  hand_over();
+  // In one piece with what is written next, so that the server's answer tells of both.
+  QMetaObject::invokeMethod(this, &NetworkLine::hand_over, Qt::QueuedConnection);
 }
 
 void NetworkLine::arrived() {
@@ -181,7 +185,6 @@ void NetworkLine::arrived() {
 }
 
 void NetworkLine::sent() {
-  if (!client_) return;
   hand_over();
   loop_.handle_line([this] {
     if (open_) listener_->bytes_sent();
@@ -203,7 +206,8 @@ void NetworkLine::look_at_client() {
 
 /// What stands in the socket can't be dropped any more, so that it gets no more than it takes.
 void NetworkLine::hand_over() {
-  if (socket_.bytesToWrite() > 0 || socket_.state() != QAbstractSocket::ConnectedState) return;
+  if (!client_ || socket_.bytesToWrite() > 0) return;
+  if (socket_.state() != QAbstractSocket::ConnectedState) return;
   const std::string bytes = client_->take_output();
   socket_.write(bytes.data(), static_cast<qint64>(bytes.size()));
   socket_.flush();

@@ -155,6 +155,7 @@ void ComPortClient::on_subnegotiation(std::uint8_t option, std::string_view cont
   const int command = static_cast<std::uint8_t>(content.front()) - from_server;
   content.remove_prefix(1);
   if (command == suspend || command == resume) suspended_ = command == suspend;
+  if (command == purge) discarding_ = false;
   const auto item = std::ranges::find(items_, command, &Item::command);
   if (item == items_.end() || item->answered) return;
   item->answered = true;
@@ -174,6 +175,7 @@ void ComPortClient::send(std::string_view data) {
 
 void ComPortClient::discard() {
   data_out_.clear();
+  discarding_ = true;
   output_ += request(purge, purge_to_scanner);
 }
 

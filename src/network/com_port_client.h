@@ -55,6 +55,8 @@ class ComPortClient final : private TelnetDecoder::Handler {
   void discard();
   /// Bytes of data that are still here.
   std::size_t unsent() const { return data_out_.size(); }
+  /// The server has not said yet that it has dropped what it had.
+  bool is_discarding() const { return discarding_; }
 
   /// All that may go to the server now, whole words of it.
   std::string take_output();
@@ -88,6 +90,7 @@ class ComPortClient final : private TelnetDecoder::Handler {
   ComPortGreeting greeting_;
   bool heard_ = false;
   bool suspended_ = false;
+  bool discarding_ = false;
   std::optional<LineSettings> settings_;  ///< none before it is ready for the first time
   LineSettings wanted_;
   std::array<Item, 4> items_{};

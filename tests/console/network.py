@@ -1,5 +1,6 @@
 """Servers of RFC 2217 with a simulated scanner behind them, and a relay in front that can be slow and
 do wrong."""
+import itertools
 import os
 import re
 import selectors
@@ -21,10 +22,13 @@ def missing(*programs):
     return f"left out: there is no {gone[0]}" if gone else None
 
 
+PORTS = itertools.count(20000 + os.getpid() % 10000)  # no system gives these to others by itself
+PORTS_LOCK = threading.Lock()
+
+
 def free_port():
-    with socket.socket() as probe:
-        probe.bind(("127.0.0.1", 0))
-        return probe.getsockname()[1]
+    with PORTS_LOCK:
+        return next(port for port in PORTS if not answers(port))
 
 
 def answers(port):

@@ -157,6 +157,9 @@ TEST(ComPortClient, data_waits_for_the_settings_and_for_a_server_that_has_suspen
   client.send("d");
   client.discard();
   EXPECT_EQ(client.take_output(), bytes("ff fa 2c 0c 02 ff f0"));
+  EXPECT_TRUE(client.is_discarding());
+  client.receive(bytes("ff fa 2c 70 02 ff f0"), Time{});
+  EXPECT_FALSE(client.is_discarding());
   client.receive(resumes, Time{});
   EXPECT_EQ(client.take_output(), "");
 }

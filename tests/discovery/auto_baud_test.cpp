@@ -182,6 +182,7 @@ TEST_F(ScanTest, a_port_that_cannot_be_opened_takes_the_closed_exit) {
   windows.at(now() + 1s, [&] { line.unplug(); });
   press(&Program::mnuauto_Click);
   EXPECT_EQ(form1().port_tip, "COM 1, /dev/virtual1: unplugged") << "a cancel keeps the cause";
+  EXPECT_EQ(buttons(), "---W");
 }
 
 TEST_F(ScanTest, a_port_that_goes_before_a_retry_leaves_the_splash_window) {

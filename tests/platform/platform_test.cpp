@@ -35,7 +35,7 @@ TEST(ReplaceFile, replaces_a_file_whole_and_keeps_its_rights_and_links) {
   EXPECT_EQ(content(folder / "fresh"), "made");
   const mode_t mask = ::umask(022);
   EXPECT_FALSE(platform::replace_file(folder / "own", std::string(1 << 20, '\0')));
-  ::umask(mask);
+  EXPECT_EQ(::umask(mask), mode_t{022}) << "the mask is the process's own";
   EXPECT_EQ(fs::status(folder / "own").permissions(), fs::perms{0644});
   EXPECT_EQ(fs::file_size(folder / "own"), 1U << 20);
 }

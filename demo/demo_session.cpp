@@ -149,6 +149,9 @@ class Session {
     say(QString("Uploaded %1 of %2 bytes, then cancelled").arg(bar->value()).arg(bar->maximum()));
     pilot_.answer_next_box("Yes");
     pilot_.click("Command1", "Form3");
+    const bool heard =
+        Pilot::wait_for([&] { return pilot_.scanner_log().contains("load failed"); });
+    if (!heard) throw std::runtime_error("the scanner didn't hear the cancel");
   }
 
   void save_picture(const QString& name, const QString& window = "Form1") {

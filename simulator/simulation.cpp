@@ -42,6 +42,7 @@ Simulation::Simulation(const ProgramOptions& options)
 void Simulation::run(const volatile std::sig_atomic_t& stop) {
   std::printf("%s leads to %s, scanner at %d\n", options_.link.c_str(), device_.path().c_str(),
               scanner_.rate());
+  std::fflush(stdout);
   while (stop == 0 && wait()) {
     listen();
     hear_what_is_through();

@@ -1,5 +1,6 @@
 #include "qt/focus_style.h"
 
+#include <QApplication>
 #include <QPainter>
 #include <QStyleFactory>
 #include <QStyleOption>
@@ -31,12 +32,26 @@ FocusStyle::FocusStyle() : QProxyStyle(QStyleFactory::create(style_name())) {}
 
 void FocusStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
                                QPainter* painter, const QWidget* widget) const {
-  if (element != PE_FrameFocusRect) {
+  if (element == PE_IndicatorRadioButton) {
+    draw_option_button(*option, painter, widget);
+  } else if (element != PE_FrameFocusRect) {
     QProxyStyle::drawPrimitive(element, option, painter, widget);
   } else if (is_worked_by_keys(*option)) {
     draw_line(*painter, QRectF(option->rect).adjusted(0.5, 0.5, -0.5, -0.5),
               option->palette.color(QPalette::WindowText));
   }
+}
+
+void FocusStyle::draw_option_button(const QStyleOption& option, QPainter* painter,
+                                    const QWidget* widget) const {
+  QStyleOptionButton with_base;
+  if (const auto* button = qstyleoption_cast<const QStyleOptionButton*>(&option)) {
+    with_base = *button;
+  } else {
+    with_base.QStyleOption::operator=(option);
+  }
+  with_base.palette.setBrush(QPalette::Base, QApplication::palette().brush(QPalette::Base));
+  QProxyStyle::drawPrimitive(PE_IndicatorRadioButton, &with_base, painter, widget);
 }
 
 void FocusStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,

@@ -14,6 +14,11 @@ class FocusStyle final : public QProxyStyle {
                      const QWidget* widget) const override;
   void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
                    const QWidget* widget) const override;
+
+ private:
+  /// Some desktops fill all of them, chosen or not, with one strong colour.
+  void draw_option_button(const QStyleOption& option, QPainter* painter,
+                          const QWidget* widget) const;
 };
 
 }  // namespace orvex

@@ -1,4 +1,5 @@
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QProcess>
 #include <ctime>
@@ -43,6 +44,8 @@ class LinuxScanner final : public ScannerProcess {
 
 std::unique_ptr<ScannerProcess> start_scanner(const QStringList& options, const QString& folder,
                                               int port) {
+  // Without a link it would be a port of the machine.
+  if (port != 1) QFile::link("/nowhere", link_of(folder, 1));
   return std::make_unique<LinuxScanner>(options, link_of(folder, port));
 }
 

@@ -5,6 +5,7 @@ import os
 import re
 import selectors
 import shutil
+import signal
 import socket
 import subprocess
 import threading
@@ -113,14 +114,17 @@ class NetworkDesk(Desk):
             device = os.path.realpath(self.link)
             command = ["socat", f"TCP-LISTEN:{port},bind=127.0.0.1,reuseaddr,fork",
                        f"EXEC:{SREDIRD} 5 {device} {self.path}/lock"]
-        self.server = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        # In a group of its own, since socat leaves the sredird of each connection behind, which heeds no other
+        # signal once its port is gone.
+        self.server = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                                       start_new_session=True)
         self.wait(lambda: answers(port))
         self.relay = Relay(port, late, tamper)
         self.device = f"rfc2217://127.0.0.1:{self.relay.port}"
 
     def __exit__(self, *rest):
         self.relay.close()
-        self.server.terminate()
+        os.killpg(self.server.pid, signal.SIGKILL)
         self.server.wait()
         super().__exit__(*rest)
 

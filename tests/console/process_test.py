@@ -61,8 +61,8 @@ class Port(unittest.TestCase):
             process = desk.start("--quiet", "load", "new", "--restart-wait", "30")
             desk.wait(lambda: desk.heard("loaded "))
             desk.tell("unplug")
-            desk.wait(lambda: desk.heard("unplugged"))
-            taken = os.openpty()  # the number is another's when it comes back
+            taken = []  # the number is another's when it comes back
+            desk.wait(lambda: taken.extend(os.openpty()) or os.ttyname(taken[-1]) == before)
             desk.tell("plug")
             desk.tell("restart")
             process.communicate(timeout=PATIENCE)

@@ -12,7 +12,7 @@ import subprocess
 import sys
 import time
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "tests/console"))
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "testing/console"))
 from network import NetworkDesk, Relay, free_port  # noqa: E402
 
 SIZE = 262144

@@ -66,9 +66,10 @@ class Servers(unittest.TestCase):
                      ("ser2net", 2.5, Row("", HERE + "find", 4, "no answer from the server"))]
         if not missing(SREDIRD, "socat"):
             # It holds a byte back for up to 0.1 s itself.
-            jobs += [("sredird", 0.01, row) for row in [*ROWS, self.REFUSED]]
+            some = [row for row in ROWS if row.code == 0 and row.words.split()[0] not in ("diff", "save")][::2]
+            jobs += [("sredird", 0.01, row) for row in [*some, self.REFUSED]]
         print(missing(SER2NET) or "ser2net", missing(SREDIRD, "socat") or "sredird", sep=", ")
-        with concurrent.futures.ThreadPoolExecutor(24) as pool:
+        with concurrent.futures.ThreadPoolExecutor(8) as pool:
             checks = [(server, row, pool.submit(check, row, server, late)) for server, late, row in jobs]
         for server, row, done in checks:
             with self.subTest(row.words, server=server, options=row.options):

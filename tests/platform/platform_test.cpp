@@ -3,6 +3,7 @@
 
 #include <grp.h>
 #include <gtest/gtest.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -190,6 +191,16 @@ TEST(SerialPorts, device_kinds_are_told_apart) {
   EXPECT_EQ(platform::kind_of_device("/dev/ptmx"), platform::DeviceKind::serial_port);
   EXPECT_EQ(platform::kind_of_device(folder.write("file", "x")), platform::DeviceKind::none);
   EXPECT_EQ(platform::kind_of_device(""), platform::DeviceKind::none);
+}
+
+TEST(SerialPorts, what_the_system_has_not_sent_is_told) {
+  int ends[2]{};  // a socket answers the question, as a pseudo-terminal doesn't
+  ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM, 0, ends), 0);
+  EXPECT_EQ(platform::unsent_bytes(ends[0]), 0U);
+  ASSERT_EQ(::write(ends[0], "12345", 5), 5);
+  EXPECT_GE(platform::unsent_bytes(ends[0]), 5U);
+  for (const int end : ends) ::close(end);
+  EXPECT_EQ(platform::unsent_bytes(-1), 0U);
 }
 
 }  // namespace

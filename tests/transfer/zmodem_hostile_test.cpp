@@ -219,5 +219,24 @@ TEST(ZmodemSender, nothing_in_the_farewell_undoes_a_complete_transfer_or_cuts_it
   }
 }
 
+TEST(ZmodemSender, what_is_asked_for_again_goes_out_at_once_and_not_for_ever) {
+  ZmodemSender sender(std::make_unique<MemorySource>(""), Time{});
+  const auto sends_at_each_znak = [&] {
+    int times = 0;
+    for (; times < 100 && !sender.transmit(1000, Time{}).empty(); ++times) {
+      sender.receive(answer(6, 0), Time{});
+    }
+    return times;
+  };
+  EXPECT_EQ(sends_at_each_znak(), 10) << "ZRQINIT";
+  const string zrinit = answer(1, 0x23000000);
+  for (const string& says : {zrinit, answer(9, 0), zrinit}) {
+    sender.receive(says, Time{});
+    if (sender.state() == State::running) sender.transmit(1000, Time{});
+  }
+  EXPECT_EQ(sender.state(), State::complete);
+  EXPECT_EQ(sends_at_each_znak(), 5) << "ZFIN";
+}
+
 }  // namespace
 }  // namespace orvex::testing

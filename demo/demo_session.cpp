@@ -141,7 +141,7 @@ class Session {
   }
 
   void upload() {
-    const int size = 3 << 20;
+    const int size = 48 << 20;  // takes longer than the picture
     pilot_.load_image(Pilot::image("3.40", size));
     const auto* bar = pilot_.find<QProgressBar>("ProgressBar1", "Form3");
     Pilot::wait_for([&] { return bar->value() > size / 3; });

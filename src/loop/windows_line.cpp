@@ -166,7 +166,15 @@ DWORD WindowsLine::take(const LineSettings& settings) {
   wanted.fRtsControl = RTS_CONTROL_ENABLE;
   wanted.fOutxCtsFlow = wanted.fOutxDsrFlow = wanted.fDsrSensitivity = FALSE;
   wanted.fOutX = wanted.fInX = wanted.fNull = wanted.fErrorChar = wanted.fAbortOnError = FALSE;
-  if (!::SetCommState(port_, &wanted)) return ::GetLastError();
+  bool is_taken = ::SetCommState(port_, &wanted) != 0;
+  if (!is_taken && !is_real_) {
+    // A pseudo-terminal may refuse parity and 7 data bits, which it doesn't have, but no rate.
+    wanted.Parity = NOPARITY;
+    wanted.ByteSize = 8;
+    wanted.fParity = FALSE;
+    is_taken = ::SetCommState(port_, &wanted) != 0;
+  }
+  if (!is_taken) return ::GetLastError();
   if (!is_real_) return 0;
   DCB taken{};
   taken.DCBlength = sizeof taken;
